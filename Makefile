@@ -1,0 +1,30 @@
+# Set-up of Tolvik: `make run` builds and starts the window, `make test` builds and runs the tests.
+BUILD ?= build
+JOBS ?= $(shell nproc)
+
+.PHONY: all deps build run test bench clean
+
+all: build
+
+deps:
+	@bash tools/installer-pakker.sh
+
+build: deps
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	@if [ -z "$$DISPLAY$$WAYLAND_DISPLAY" ]; then \
+	  echo "Ingen skjerm (DISPLAY er ikke satt): vinduet kan ikke vises her."; \
+	  echo "Bruk $(BUILD)/dist/tolvik-batch for kommandoene uten vindu, eller: xvfb-run make run"; \
+	  exit 1; fi
+	cd $(BUILD)/dist && ./tolvik
+
+test: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	@bash bench/run.sh $(BUILD)
+
+clean:
+	rm -rf $(BUILD)

@@ -1,0 +1,183 @@
+#include "app/Batch.h"
+
+#include "app/Form1.h"
+#include "files/Tekstfil.h"
+#include "platform/dialogs/SkriptDialogs.h"
+
+#include <QApplication>
+#include <cstdio>
+#include <functional>
+#include <optional>
+
+namespace batch {
+
+namespace {
+
+using ui::SkriptDialogs;
+
+struct BrukFeil {
+    QString tekst;
+};
+
+void skriv(const QString& tekst) { std::fputs(tekst.toUtf8().constData(), stdout); }
+
+// The arguments after the command name.
+class Argumenter {
+public:
+    explicit Argumenter(QStringList a) : a_(std::move(a)) {}
+    bool flagg(const QString& navn) { return a_.removeOne(navn); }
+    std::optional<QString> verdi(const QString& navn)
+    {
+        const qsizetype i = a_.indexOf(navn);
+        if (i < 0) return std::nullopt;
+        if (i + 1 >= a_.size()) throw BrukFeil{navn + QStringLiteral(" mangler en verdi")};
+        const QString v = a_[i + 1];
+        a_.remove(i, 2);
+        return v;
+    }
+    QString paakrevd(const QString& navn)
+    {
+        if (auto v = verdi(navn)) return *v;
+        throw BrukFeil{navn + QStringLiteral(" må oppgis")};
+    }
+    QString posisjon(const QString& hva)
+    {
+        if (a_.isEmpty() || a_.first().startsWith(QStringLiteral("--"))) throw BrukFeil{hva + QStringLiteral(" mangler")};
+        return a_.takeFirst();
+    }
+    void ferdig() const
+    {
+        if (!a_.isEmpty()) throw BrukFeil{QStringLiteral("Ukjent argument: ") + a_.first()};
+    }
+
+private:
+    QStringList a_;
+};
+
+using Kommando = std::function<Utfall(Form1&, Argumenter&, SkriptDialogs&)>;
+
+Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
+{
+    a.ferdig();
+    QString ut = f.tittel() + QLatin1Char('\n');
+    static const char* const Navn[] = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
+    for (int i = 0; i < 6; ++i) ut += QLatin1String(Navn[i]) + QLatin1Char('=') + f.tekst(ui::AlleBokser[i]) + '\n';
+    const QStringList kolonner = f.kolonner();
+    for (int i = 0; i < kolonner.size(); ++i)
+        ut += (i == f.valgtKolonne() ? QStringLiteral("* ") : QStringLiteral("  ")) + kolonner[i] + QLatin1Char('\n');
+    ut += f.adsorpsjon() ? QStringLiteral("Adsorpsjon\n") : QStringLiteral("Desorpsjon\n");
+    skriv(ut);
+    return Utfall::Ferdig;
+}
+
+const std::vector<std::pair<QString, Kommando>>& kommandoer()
+{
+    static const std::vector<std::pair<QString, Kommando>> alle = {
+        {QStringLiteral("status"), status},
+    };
+    return alle;
+}
+
+const char* const Bruk =
+    "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]\n"
+    "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
+
+struct Globalt {
+    QString mappe;
+    QList<std::pair<QString, QString>> sett;
+    std::optional<QString> kolonne;
+    std::optional<bool> adsorpsjon;
+    bool lagre = false;
+    QString kommando;
+    QStringList argumenter;
+};
+
+Globalt lesGlobalt(const QStringList& args)
+{
+    Globalt g;
+    g.mappe = QCoreApplication::applicationDirPath();
+    int i = 0;
+    auto neste = [&](const QString& navn) {
+        if (i + 1 >= args.size()) throw BrukFeil{navn + QStringLiteral(" mangler en verdi")};
+        return args[++i];
+    };
+    for (; i < args.size(); ++i) {
+        const QString& a = args[i];
+        if (a == QLatin1String("--folder")) {
+            g.mappe = neste(a);
+        } else if (a == QLatin1String("--set")) {
+            const QString v = neste(a);
+            const qsizetype lik = v.indexOf(QLatin1Char('='));
+            static const QStringList Bokser = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
+            if (lik < 0 || !Bokser.contains(v.left(lik)))
+                throw BrukFeil{QStringLiteral("--set venter TextN=VERDI med N 1 til 6, ikke ") + v};
+            g.sett.append({v.left(lik), v.mid(lik + 1)});
+        } else if (a == QLatin1String("--column")) {
+            g.kolonne = neste(a);
+        } else if (a == QLatin1String("--adsorption") || a == QLatin1String("--desorption")) {
+            const bool ads = a == QLatin1String("--adsorption");
+            if (g.adsorpsjon && *g.adsorpsjon != ads) throw BrukFeil{QStringLiteral("--adsorption eller --desorption, ikke begge")};
+            g.adsorpsjon = ads;
+        } else if (a == QLatin1String("--save-settings")) {
+            g.lagre = true;
+        } else if (a.startsWith(QStringLiteral("--"))) {
+            throw BrukFeil{QStringLiteral("Ukjent valg: ") + a};
+        } else {
+            g.kommando = a;
+            g.argumenter = args.mid(i + 1);
+            return g;
+        }
+    }
+    throw BrukFeil{QStringLiteral("Ingen kommando oppgitt")};
+}
+
+void brukGlobalt(Form1& f, const Globalt& g)
+{
+    static const QStringList Bokser = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
+    for (const auto& [boks, verdi] : g.sett) f.settTekst(ui::AlleBokser[Bokser.indexOf(boks)], verdi);
+    if (g.kolonne) {
+        const QStringList kolonner = f.kolonner();
+        qsizetype funnet = -1;
+        for (qsizetype i = 0; i < kolonner.size() && funnet < 0; ++i)
+            if (filer::HentKode(kolonner[i]) == *g.kolonne) funnet = i;
+        if (funnet < 0) throw BrukFeil{QStringLiteral("Ingen kolonne har bokstaven ") + *g.kolonne};
+        f.velgKolonne(static_cast<int>(funnet));
+    }
+    if (g.adsorpsjon) f.velgAdsorpsjon(*g.adsorpsjon);
+}
+
+} // namespace
+
+int kjor(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QStringList args = QCoreApplication::arguments();
+    args.removeFirst();
+
+    SkriptDialogs dialogs;
+    dialogs.vedMelding = [](const QString& tekst) {
+        skriv(tekst + QStringLiteral("\n\n"));
+        std::fflush(stdout);
+    };
+    try {
+        const Globalt g = lesGlobalt(args);
+        const auto& alle = kommandoer();
+        auto it = std::find_if(alle.begin(), alle.end(), [&](const auto& k) { return k.first == g.kommando; });
+        if (it == alle.end()) throw BrukFeil{QStringLiteral("Ukjent kommando: ") + g.kommando};
+        Form1 vindu(g.mappe, dialogs);
+        brukGlobalt(vindu, g);
+        Argumenter a(g.argumenter);
+        const Utfall utfall = it->second(vindu, a, dialogs);
+        if (g.lagre && !vindu.lagreOppsett()) return 1;
+        return utfall == Utfall::Ferdig ? 0 : 1;
+    } catch (const BrukFeil& f) {
+        std::fprintf(stderr, "%s\n%s", f.tekst.toUtf8().constData(), Bruk);
+        return 2;
+    } catch (const ui::UbesvartSporsmal& s) {
+        std::fprintf(stderr, "Argumentene svarer ikke på spørsmålet: %s\n", s.sporsmal.toUtf8().constData());
+        return 2;
+    }
+}
+
+} // namespace batch

@@ -1,0 +1,327 @@
+#include "app/Form1.h"
+
+#include "files/Oppsett.h"
+#include "files/Tekstfil.h"
+#include "store/Maledata.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+
+namespace {
+
+// Positions in the window are given in twips: 15 twips to a pixel at 96 dpi.
+double skala()
+{
+    const QScreen* skjerm = QGuiApplication::primaryScreen();
+    return skjerm ? skjerm->logicalDotsPerInch() / 96.0 : 1.0;
+}
+
+int px(int twips) { return static_cast<int>(twips / 15.0 * skala() + 0.5); }
+
+template <typename W>
+W* plasser(W* w, const char* navn, int venstre, int topp, int bredde, int hoyde)
+{
+    w->setObjectName(QLatin1String(navn));
+    w->setGeometry(px(venstre), px(topp), px(bredde), px(hoyde));
+    return w;
+}
+
+QGroupBox* ramme(QWidget* eier, const char* navn, int venstre, int topp, int bredde, int hoyde)
+{
+    return plasser(new QGroupBox(eier), navn, venstre, topp, bredde, hoyde);
+}
+
+QPushButton* knapp(QWidget* eier, const char* navn, const QString& tekst, int venstre, int topp, int bredde,
+                   const QString& tips = {})
+{
+    auto* k = plasser(new QPushButton(tekst, eier), navn, venstre, topp, bredde, 375);
+    k->setToolTip(tips);
+    return k;
+}
+
+QLabel* etikett(QWidget* eier, const char* navn, const QString& tekst, int venstre, int topp, int bredde)
+{
+    return plasser(new QLabel(tekst, eier), navn, venstre, topp, bredde, 255);
+}
+
+QLineEdit* innstilling(QWidget* eier, const char* navn, const QString& tekst, int venstre, int topp, int bredde)
+{
+    auto* t = plasser(new QLineEdit(tekst, eier), navn, venstre, topp, bredde, 285);
+    t->setAlignment(Qt::AlignCenter);
+    return t;
+}
+
+} // namespace
+
+Form1::Form1(const QString& mappe, ui::Dialogs& dialogs, QWidget* parent)
+    : QWidget(parent), k_{mappe, Versjon, tilkobling_, *this, dialogs}
+{
+    byggKontroller();
+    Form_Load();
+}
+
+Form1::~Form1()
+{
+    while (opptatt_ > 0) settOpptatt(false);
+}
+
+void Form1::byggKontroller()
+{
+    setObjectName(QStringLiteral("Form1"));
+    setFont(QFont(QStringLiteral("MS Sans Serif"), 8));
+    setFixedSize(px(9975), px(5310));
+
+    auto* Frame3 = ramme(this, "Frame3", 120, 0, 3255, 5175);
+    auto* Frame1 = ramme(this, "Frame1", 3480, 0, 6375, 4575);
+    auto* Frame4 = ramme(this, "Frame4", 3480, 4560, 6375, 615);
+
+    // Work steps, top to bottom.
+    auto* Command2 = knapp(Frame3, "Command2", QStringLiteral("1.  &Velg og importer fil"), 120, 240, 3000,
+                           QStringLiteral("Orginal rådata-fil (.csv)"));
+    auto* Frame2 = ramme(Frame3, "Frame2", 120, 600, 3000, 615);
+    Frame2->setToolTip(QStringLiteral("Velg den kolonnen med massetallet du ønsker å søke på"));
+    etikett(Frame2, "Label8", QStringLiteral("2.  Kolonne"), 120, 250, 1080);
+    Combo1 = plasser(new QComboBox(Frame2), "Combo1", 1200, 200, 1680, 315);
+    Combo1->setEditable(false);
+    auto* Command8 = knapp(Frame3, "Command8", QStringLiteral("3.  Graf (viser hele fila)"), 120, 1320, 3000,
+                           QStringLiteral("Lager en graf (oversikt) over hele fila"));
+    auto* Command7 = knapp(Frame3, "Command7", QStringLiteral("4.  Finn antall sykluser"), 120, 1800, 3000,
+                           QStringLiteral("Finner antall sykluser og tiden mellom dem, samt  startpkt. for første syklus"));
+    Option1 = plasser(new QRadioButton(QStringLiteral("Adsorpsjon"), Frame3), "Option1", 240, 2325, 1335, 255);
+    Option1->setToolTip(QStringLiteral("Minimum"));
+    Option2 = plasser(new QRadioButton(QStringLiteral("Desorpsjon"), Frame3), "Option2", 1680, 2325, 1335, 255);
+    Option2->setToolTip(QStringLiteral("Maximum"));
+    auto* Command4 = knapp(Frame3, "Command4", QStringLiteral("6.  Rediger samlegraf"), 120, 2760, 3000,
+                           QStringLiteral("Skriv inn ønsket tekst i graf. Exel-arket må lagres med data synlig (ikke grafen)"));
+    auto* Command5 = knapp(Frame3, "Command5", QStringLiteral("7.  Lag samlegraf"), 120, 3240, 3000,
+                           QStringLiteral("Alle syklusene legges opp-på hverandre med tilnærmetlikt 0-punkt"));
+    auto* Command9 = knapp(Frame3, "Command9", QStringLiteral("8.  Rediger enkeltgraf"), 120, 3720, 3000,
+                           QStringLiteral("Skriv inn ønsket tekst. Exel-arket må lagres med data synlig (ikke grafen)."));
+    auto* Command3 = knapp(Frame3, "Command3", QStringLiteral("9.  Lag enkeltgraf"), 120, 4200, 3000,
+                           QStringLiteral("Lager engraf for hver enkelt syklus"));
+    auto* Command12 = knapp(Frame3, "Command12", QStringLiteral("10. Redigert CO2 kolonne"), 120, 4680, 3000,
+                            QStringLiteral("Lager engraf for hver enkelt syklus"));
+    Command12->hide();
+
+    // Settings and progress.
+    etikett(Frame1, "Label6", QStringLiteral("Sykluser (1 - max)"), 240, 360, 4500);
+    Text4 = innstilling(Frame1, "Text4", QStringLiteral("1"), 5040, 270, 375);
+    Text6 = innstilling(Frame1, "Text6", QStringLiteral("30"), 5760, 270, 375);
+    etikett(Frame1, "Label7", QStringLiteral("Tid mellom min. punkt"), 240, 720, 4500);
+    Text5 = innstilling(Frame1, "Text5", QStringLiteral("200"), 5040, 720, 1095);
+    Text5->setEnabled(false);
+    etikett(Frame1, "Label5", QStringLiteral("Start første run (minutter)"), 240, 1080, 4500);
+    Text3 = innstilling(Frame1, "Text3", QStringLiteral("230"), 5040, 1080, 1095);
+    etikett(Frame1, "Label1", QStringLiteral("Antall minutter før min. punkt"), 240, 1440, 4500);
+    Text1 = innstilling(Frame1, "Text1", QStringLiteral("10"), 5040, 1440, 1095);
+    etikett(Frame1, "Label2", QStringLiteral("Antall minutter etter min. punkt"), 240, 1800, 4500);
+    Text2 = innstilling(Frame1, "Text2", QStringLiteral("120"), 5040, 1800, 1095);
+    for (int i = 0; i < 6; ++i) {
+        auto* linje = new QFrame(Frame1);
+        linje->setFrameShape(QFrame::HLine);
+        linje->setFrameShadow(QFrame::Sunken);
+        plasser(linje, QStringLiteral("Line%1").arg(i + 1).toLatin1().constData(), 120, 660 + 360 * i, 6135, 30);
+    }
+    auto* Command6 = knapp(Frame1, "Command6", QStringLiteral("Test"), 240, 2160, 1215);
+    Command6->hide();
+    etikett(Frame1, "Label3", QStringLiteral("Antall behandlede linjer:"), 240, 2400, 2520);
+    Label4 = etikett(Frame1, "Label4", QString(), 2880, 2400, 3255);
+    QFont fet = Label4->font();
+    fet.setBold(true);
+    Label4->setFont(fet);
+    plasser(new QListWidget(Frame1), "List1", 240, 2760, 5895, 1095)->hide();
+    etikett(Frame1, "Label9", QStringLiteral("Samlefil:"), 240, 3960, 1080)->hide();
+    etikett(Frame1, "Label11", QString(), 1320, 3960, 4815);
+    etikett(Frame1, "Label10", QStringLiteral("Syklusfil:"), 240, 4200, 1080)->hide();
+    etikett(Frame1, "Label12", QString(), 1320, 4200, 4815);
+
+    // About and Exit.
+    auto* Command10 = knapp(Frame4, "Command10", QStringLiteral("Om programmet"), 120, 160, 1935);
+    auto* Command11 = knapp(Frame4, "Command11", QStringLiteral("Automatisk søking"), 2220, 160, 1935);
+    Command11->hide();
+    auto* Command1 = knapp(Frame4, "Command1", QStringLiteral("&Exit"), 4320, 160, 1935);
+    Command1->setStyleSheet(QStringLiteral("background-color: rgb(255, 192, 192);"));
+
+    koble(Command1, &Form1::Command1_Click);
+    koble(Command10, &Form1::Command10_Click);
+    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
+        (void)Command9;
+
+    connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
+    connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
+    connect(Option2, &QRadioButton::toggled, this, &Form1::Option2_Click);
+}
+
+void Form1::koble(QPushButton* knapp, Utfall (Form1::*handler)())
+{
+    connect(knapp, &QPushButton::clicked, this, [this, handler] { (this->*handler)(); });
+}
+
+void Form1::Form_Load()
+{
+    apneDatabase();
+    filer::LesKolonner(k_);
+    store::VisAntallPoster(k_);
+    filer::LesOppsett(k_);
+    Option2->setChecked(true);
+    Text1->setEnabled(false);
+}
+
+// Opens Data.mdb. A missing one is made anew from Template.mdb; one that cannot be opened
+// is left as it is and the user is told, so that nothing is overwritten unasked.
+void Form1::apneDatabase()
+{
+    const QString data = k_.sti(store::DataFil);
+    const QString mal = k_.sti(store::MalFil);
+    if (!QFile::exists(data)) {
+        if (!filer::FilFinnes(mal) || !QFile::copy(mal, data)) {
+            k_.dialogs.melding(QStringLiteral("Databasen %1 finnes ikke, og den kan ikke lages fra %2. Kontroller "
+                                              "programmappen.")
+                                   .arg(data, mal),
+                               ui::Knapper::Ok, ui::Ikon::Informasjon);
+            return;
+        }
+        k_.dialogs.melding(QStringLiteral("Databasen %1 fantes ikke. En ny, tom database er laget fra %2.").arg(data, mal),
+                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+    }
+    try {
+        tilkobling_.aapne(data);
+    } catch (const db::DbFeil& e) {
+        k_.dialogs.melding(QString::fromStdString(e.what()) +
+                               QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),
+                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+    }
+}
+
+void Form1::Combo1_Click()
+{
+    if (Combo1->count() > 0 && Combo1->currentText().trimmed().isEmpty()) Combo1->setCurrentIndex(0);
+}
+
+void Form1::Option1_Click()
+{
+    if (Option1->isChecked()) Text1->setEnabled(true);
+}
+
+void Form1::Option2_Click()
+{
+    if (Option2->isChecked()) Text1->setEnabled(false);
+}
+
+bool Form1::lagreOppsett()
+{
+    try {
+        filer::SkrivTilFil(k_.sti(filer::OppsettFil), filer::oppsettLinje(*this));
+        return true;
+    } catch (const filer::FilFeil& e) {
+        k_.dialogs.melding(QString::fromStdString(e.what()) + QStringLiteral("\nInnstillingene ble ikke lagret."),
+                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+        return false;
+    }
+}
+
+Utfall Form1::Command1_Click()
+{
+    const bool lagret = lagreOppsett();
+    avslutter_ = true;
+    close();
+    QCoreApplication::quit();
+    return lagret ? Utfall::Ferdig : Utfall::Avvist;
+}
+
+Utfall Form1::Command10_Click()
+{
+    k_.dialogs.melding(QStringLiteral("Tolvik er utviklet av Tolvik-utviklerne.\n"
+                                      "Spørsmål og kommentarer sendes til tolvik@example.org."),
+                       ui::Knapper::Ok, ui::Ikon::Informasjon);
+    return Utfall::Ferdig;
+}
+
+Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
+{
+    if (kjorer_) return Utfall::Avvist;
+    kjorer_ = true;
+    Utfall utfall = Utfall::Avvist;
+    try {
+        utfall = kommando(k_);
+    } catch (const ui::Avbrutt&) {
+        utfall = Utfall::Avvist;
+    } catch (...) {
+        kjorer_ = false;
+        throw;
+    }
+    kjorer_ = false;
+    return utfall;
+}
+
+void Form1::velgAdsorpsjon(bool adsorpsjon) { (adsorpsjon ? Option1 : Option2)->setChecked(true); }
+
+void Form1::closeEvent(QCloseEvent* e)
+{
+    avslutter_ = true;  // a command still running stops at its next pause
+    e->accept();
+}
+
+QLineEdit* Form1::boks(ui::Boks b) const
+{
+    switch (b) {
+    case ui::Boks::Text4: return Text4;
+    case ui::Boks::Text6: return Text6;
+    case ui::Boks::Text5: return Text5;
+    case ui::Boks::Text3: return Text3;
+    case ui::Boks::Text1: return Text1;
+    case ui::Boks::Text2: return Text2;
+    }
+    return Text4;
+}
+
+QString Form1::tekst(ui::Boks b) const { return boks(b)->text(); }
+void Form1::settTekst(ui::Boks b, const QString& tekst) { boks(b)->setText(tekst); }
+
+QStringList Form1::kolonner() const
+{
+    QStringList ut;
+    for (int i = 0; i < Combo1->count(); ++i) ut << Combo1->itemText(i);
+    return ut;
+}
+
+void Form1::settKolonner(const QStringList& oppforinger)
+{
+    const QSignalBlocker stille(Combo1);
+    Combo1->clear();
+    Combo1->addItems(oppforinger);
+    Combo1->setCurrentIndex(-1);
+}
+
+int Form1::valgtKolonne() const { return Combo1->currentIndex(); }
+void Form1::velgKolonne(int indeks) { Combo1->setCurrentIndex(indeks); }
+bool Form1::adsorpsjon() const { return Option1->isChecked(); }
+void Form1::settLabel4(const QString& tekst) { Label4->setText(tekst); }
+QString Form1::tittel() const { return windowTitle(); }
+void Form1::settTittel(const QString& tekst) { setWindowTitle(tekst); }
+
+void Form1::settOpptatt(bool opptatt)
+{
+    if (opptatt) {
+        ++opptatt_;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else if (opptatt_ > 0) {
+        --opptatt_;
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void Form1::behandleHendelser()
+{
+    QCoreApplication::processEvents();
+    if (avslutter_) throw ui::Avbrutt{};
+}

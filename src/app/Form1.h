@@ -1,0 +1,77 @@
+// The main window: the numbered command buttons, the column chooser, the six
+// setting boxes, the progress label, About and Exit. Each CommandN_Click
+// forwards to its subsystem; one command runs at a time.
+#pragma once
+
+#include "platform/Kontekst.h"
+
+#include <QWidget>
+#include <functional>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+class Form1 : public QWidget, public ui::Vindu {
+    Q_OBJECT
+public:
+    inline static const QString Versjon = QStringLiteral("1.6 (06.01.2013)");
+
+    // Runs Form_Load on the program folder; the dialogs live as long as the window.
+    Form1(const QString& mappe, ui::Dialogs& dialogs, QWidget* parent = nullptr);
+    ~Form1() override;
+
+    // The command buttons; each returns how its command ended (for tolvik-batch).
+    Utfall Command1_Click();   // &Exit
+    Utfall Command10_Click();  // Om programmet
+
+    // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
+    bool lagreOppsett();
+    // Selects Option1 "Adsorpsjon" (true) or Option2 "Desorpsjon".
+    void velgAdsorpsjon(bool adsorpsjon);
+    Kontekst& kontekst() { return k_; }
+
+    // ui::Vindu
+    QString tekst(ui::Boks boks) const override;
+    void settTekst(ui::Boks boks, const QString& tekst) override;
+    QStringList kolonner() const override;
+    void settKolonner(const QStringList& oppforinger) override;
+    int valgtKolonne() const override;
+    void velgKolonne(int indeks) override;
+    bool adsorpsjon() const override;
+    void settLabel4(const QString& tekst) override;
+    QString tittel() const override;
+    void settTittel(const QString& tekst) override;
+    void settOpptatt(bool opptatt) override;
+    void behandleHendelser() override;
+
+protected:
+    void closeEvent(QCloseEvent* e) override;
+
+private:
+    void byggKontroller();
+    void Form_Load();
+    void apneDatabase();
+    void Combo1_Click();
+    void Option1_Click();
+    void Option2_Click();
+    // Runs a command unless another one is running; the program may end inside it.
+    Utfall kjor(const std::function<Utfall(Kontekst&)>& kommando);
+    QLineEdit* boks(ui::Boks b) const;
+    void koble(QPushButton* knapp, Utfall (Form1::*handler)());
+
+    db::Database tilkobling_;
+    Kontekst k_;
+    bool kjorer_ = false;
+    bool avslutter_ = false;
+    int opptatt_ = 0;
+
+    QComboBox* Combo1 = nullptr;
+    QRadioButton* Option1 = nullptr;
+    QRadioButton* Option2 = nullptr;
+    QLineEdit *Text1 = nullptr, *Text2 = nullptr, *Text3 = nullptr, *Text4 = nullptr, *Text5 = nullptr,
+              *Text6 = nullptr;
+    QLabel* Label4 = nullptr;
+};

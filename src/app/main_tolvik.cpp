@@ -1,0 +1,23 @@
+// tolvik: the main window, run from the program folder.
+#include "app/Form1.h"
+#include "platform/dialogs/QtDialogs.h"
+
+#include <QApplication>
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+        qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        std::fputs("Tolvik trenger en skjerm (DISPLAY er ikke satt).\n"
+                   "Bruk tolvik-batch for å kjøre kommandoene uten vindu, eller start med xvfb-run.\n",
+                   stderr);
+        return 1;
+    }
+    QApplication app(argc, argv);
+    ui::QtDialogs dialogs;
+    Form1 vindu(QCoreApplication::applicationDirPath(), dialogs);
+    dialogs.settEier(&vindu);
+    vindu.show();
+    return app.exec();
+}

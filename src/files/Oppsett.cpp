@@ -1,0 +1,55 @@
+#include "files/Oppsett.h"
+
+#include "files/Tekstfil.h"
+
+namespace filer {
+
+void LesOppsett(Kontekst& k)
+{
+    const QString fil = k.sti(OppsettFil);
+    if (!FilFinnes(fil)) return;
+    const QStringList felt = HentFraFil(fil).split(QLatin1Char('!'));
+    if (felt.size() < 5) return;
+    for (int i = 0; i < 6 && i < felt.size(); ++i) k.vindu.settTekst(ui::AlleBokser[i], felt[i]);
+}
+
+QString oppsettLinje(const ui::Vindu& vindu)
+{
+    QStringList felt;
+    for (ui::Boks b : ui::AlleBokser) felt << vindu.tekst(b);
+    return felt.join(QLatin1Char('!'));
+}
+
+void LesKolonner(Kontekst& k)
+{
+    k.vindu.settKolonner({});
+    const QString fil = k.sti(KolonnerFil);
+    if (!FilFinnes(fil)) return;
+    QStringList linjer;
+    try {
+        Linjeleser leser(fil);
+        for (std::string_view linje; leser.neste(linje);) linjer << latin1(linje);
+    } catch (const FilFeil&) {
+        return;  // an unreadable column list leaves the chooser empty, as a missing one does
+    }
+    k.vindu.settKolonner(linjer);
+    for (int i = 0; i < linjer.size(); ++i) {
+        if (linjer[i].contains(QStringLiteral("CO2"))) {
+            k.vindu.velgKolonne(i);
+            break;
+        }
+    }
+}
+
+QString kolonneBokstav(int posisjon)
+{
+    static const QString Bokstaver = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZÆØÅ");
+    return posisjon >= 1 && posisjon <= Bokstaver.size() ? QString(Bokstaver[posisjon - 1]) : QString();
+}
+
+QString kolonneLinje(const QString& navn, const QString& bokstav)
+{
+    return navn + QString(20, QLatin1Char(' ')) + QLatin1Char('[') + bokstav + QLatin1Char(']');
+}
+
+} // namespace filer

@@ -1,0 +1,28 @@
+// The main window's two files: Oppsett.txt (the six settings on one line,
+// separated by "!") and Kolonner.txt (one line per value column of the last
+// imported file: name, 20 blanks, the letter in brackets).
+#pragma once
+
+#include "platform/Kontekst.h"
+
+#include <QString>
+
+namespace filer {
+
+inline const QString OppsettFil = QStringLiteral("Oppsett.txt");
+inline const QString KolonnerFil = QStringLiteral("Kolonner.txt");
+
+// Loads the six setting boxes from Oppsett.txt. Six or more fields set all six;
+// exactly five set the first five and leave Text2; fewer change nothing.
+void LesOppsett(Kontekst& k);
+// The line the Exit button writes: the six boxes joined by "!".
+QString oppsettLinje(const ui::Vindu& vindu);
+
+// Fills the column chooser from Kolonner.txt and selects the first entry holding "CO2".
+void LesKolonner(Kontekst& k);
+// Letter of header position 1..29: "A" .. "Z", "Æ", "Ø", "Å"; empty text past 29.
+QString kolonneBokstav(int posisjon);
+// A line of Kolonner.txt.
+QString kolonneLinje(const QString& navn, const QString& bokstav);
+
+} // namespace filer

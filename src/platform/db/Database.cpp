@@ -1,0 +1,223 @@
+#include "platform/db/Database.h"
+
+#include "platform/db/JetDialekt.h"
+
+#include <QFile>
+#include <sqlite3.h>
+
+namespace db {
+
+namespace {
+
+// format(DatoTid, 'YYYYMMDDHHNNSS') where a statement uses it outside a comparison
+// that the dialect could turn into a plain range on the stored date-time.
+void formatFunksjon(sqlite3_context* ctx, int, sqlite3_value** argv)
+{
+    const auto* verdi = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const auto* monster = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
+    if (!verdi) return sqlite3_result_null(ctx);
+    if (!monster || sqlite3_stricmp(monster, "YYYYMMDDHHNNSS") != 0)
+        return sqlite3_result_error(ctx, "format: bare mønsteret 'YYYYMMDDHHNNSS' er kjent", -1);
+    auto dato = vb::Dato::fraIso(verdi);
+    if (!dato) return sqlite3_result_null(ctx);
+    const QByteArray nokkel = dato->tidsnokkel().toLatin1();
+    sqlite3_result_text(ctx, nokkel.constData(), static_cast<int>(nokkel.size()), SQLITE_TRANSIENT);
+}
+
+} // namespace
+
+Database::~Database() { lukk(); }
+
+void Database::kast(const QString& hva) const
+{
+    const QString grunn = db_ ? QString::fromUtf8(sqlite3_errmsg(db_)) : QString();
+    throw DbFeil((hva + (grunn.isEmpty() ? QString() : QStringLiteral(": ") + grunn)).toStdString());
+}
+
+void Database::apneFil(const QString& fil, int flagg)
+{
+    lukk();
+    const QByteArray sti = QFile::encodeName(fil);
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(sti.constData(), &db, flagg, nullptr) != SQLITE_OK) {
+        const QString grunn = QString::fromUtf8(sqlite3_errmsg(db));
+        sqlite3_close(db);
+        throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: %2").arg(fil, grunn).toStdString());
+    }
+    db_ = db;
+    fil_ = fil;
+    sqlite3_key(db_, Passord, static_cast<int>(strlen(Passord)));
+    const bool ok = sqlite3_exec(db_, "PRAGMA cipher_page_size = 4096; PRAGMA cache_size = -8000;", nullptr, nullptr,
+                                 nullptr) == SQLITE_OK &&
+                    sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
+    if (!ok) {
+        lukk();
+        throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: fila er ikke en database, eller den har et annet passord")
+                         .arg(fil)
+                         .toStdString());
+    }
+    sqlite3_create_function(db_, "format", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, formatFunksjon, nullptr,
+                            nullptr);
+}
+
+void Database::aapne(const QString& fil)
+{
+    if (!QFile::exists(fil))
+        throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: fila finnes ikke").arg(fil).toStdString());
+    apneFil(fil, SQLITE_OPEN_READWRITE);
+}
+
+void Database::lag(const QString& fil)
+{
+    if (QFile::exists(fil))
+        throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
+    apneFil(fil, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+}
+
+void Database::lukk()
+{
+    if (db_) sqlite3_close_v2(db_);
+    db_ = nullptr;
+}
+
+void Database::utforSqlite(const char* sql)
+{
+    if (!db_) throw DbFeil("Databasen er ikke åpen");
+    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        kast(QStringLiteral("Setningen ble avvist (%1)").arg(QString::fromUtf8(sql)));
+}
+
+void Database::utfor(const QString& sql) { utforSqlite(tilSqlite(sql).toUtf8().constData()); }
+
+sqlite3_stmt* Database::forbered(const char* sql)
+{
+    if (!db_) throw DbFeil("Databasen er ikke åpen");
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(db_, sql, -1, &stmt, nullptr) != SQLITE_OK)
+        kast(QStringLiteral("Setningen ble avvist (%1)").arg(QString::fromUtf8(sql)));
+    return stmt;
+}
+
+Recordset Database::spor(const QString& sql)
+{
+    const QByteArray tekst = tilSqlite(sql).toUtf8();
+    sqlite3_stmt* stmt = forbered(tekst.constData());
+    return Recordset(db_, stmt);
+}
+
+Transaksjon::Transaksjon(Database& db) : db_(db) { db_.utforSqlite("BEGIN"); }
+
+Transaksjon::~Transaksjon()
+{
+    if (aktiv_ && db_.erApen()) sqlite3_exec(db_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaksjon::fullfor()
+{
+    db_.utforSqlite("COMMIT");
+    aktiv_ = false;
+}
+
+Recordset::Recordset(sqlite3* db, sqlite3_stmt* stmt) : db_(db), stmt_(stmt)
+{
+    const int n = sqlite3_column_count(stmt_);
+    for (int i = 0; i < n; ++i) navn_.emplace_back(sqlite3_column_name(stmt_, i));
+    try {
+        steg();
+    } catch (...) {
+        sqlite3_finalize(stmt_);
+        stmt_ = nullptr;
+        throw;
+    }
+}
+
+Recordset::Recordset(Recordset&& r) noexcept
+    : db_(r.db_), stmt_(std::exchange(r.stmt_, nullptr)), eof_(r.eof_), navn_(std::move(r.navn_))
+{
+}
+
+Recordset& Recordset::operator=(Recordset&& r) noexcept
+{
+    if (this != &r) {
+        sqlite3_finalize(stmt_);
+        db_ = r.db_;
+        stmt_ = std::exchange(r.stmt_, nullptr);
+        eof_ = r.eof_;
+        navn_ = std::move(r.navn_);
+    }
+    return *this;
+}
+
+Recordset::~Recordset() { sqlite3_finalize(stmt_); }
+
+void Recordset::steg()
+{
+    const int rc = sqlite3_step(stmt_);
+    if (rc == SQLITE_ROW) {
+        eof_ = false;
+    } else if (rc == SQLITE_DONE) {
+        eof_ = true;
+    } else {
+        eof_ = true;
+        throw DbFeil(QStringLiteral("Spørringen feilet: %1").arg(QString::fromUtf8(sqlite3_errmsg(db_))).toStdString());
+    }
+}
+
+void Recordset::moveNext()
+{
+    if (eof_) throw DbFeil("Ingen gjeldende post");
+    steg();
+}
+
+void Recordset::moveFirst()
+{
+    sqlite3_reset(stmt_);
+    steg();
+}
+
+int Recordset::kolonne(std::string_view navn) const
+{
+    for (size_t i = 0; i < navn_.size(); ++i)
+        if (navn_[i].size() == navn.size() &&
+            sqlite3_strnicmp(navn_[i].data(), navn.data(), static_cast<int>(navn.size())) == 0)
+            return static_cast<int>(i);
+    throw DbFeil(QStringLiteral("Feltet %1 finnes ikke i spørringen")
+                     .arg(QString::fromUtf8(navn.data(), static_cast<qsizetype>(navn.size())))
+                     .toStdString());
+}
+
+bool Recordset::erNull(int k) const
+{
+    if (eof_) throw DbFeil("Ingen gjeldende post");
+    return sqlite3_column_type(stmt_, k) == SQLITE_NULL;
+}
+
+double Recordset::tall(int k) const
+{
+    if (erNull(k)) throw DbFeil("Feltet er tomt");
+    return sqlite3_column_double(stmt_, k);
+}
+
+bool Recordset::erNull(std::string_view navn) const { return erNull(kolonne(navn)); }
+double Recordset::tall(std::string_view navn) const { return tall(kolonne(navn)); }
+
+QString Recordset::tekst(std::string_view navn) const
+{
+    const int k = kolonne(navn);
+    if (erNull(k)) return {};
+    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt_, k)),
+                             sqlite3_column_bytes(stmt_, k));
+}
+
+vb::Dato Recordset::dato(std::string_view navn) const
+{
+    const int k = kolonne(navn);
+    if (!erNull(k)) {
+        const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, k));
+        if (auto d = vb::Dato::fraIso(std::string_view(t, static_cast<size_t>(sqlite3_column_bytes(stmt_, k)))))
+            return *d;
+    }
+    throw DbFeil("Feltet inneholder ikke en gyldig dato");
+}
+
+} // namespace db

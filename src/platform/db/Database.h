@@ -1,0 +1,107 @@
+// The measurement database on SQLCipher: one keyed connection, statements without
+// rows and record sets over select statements. Statement texts arrive in the
+// program's own dialect and are translated by JetDialekt before they run.
+#pragma once
+
+#include "platform/vb/Vb.h"
+
+#include <QString>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace db {
+
+// A failure of the store: a file that is no database, a wrong key, a rejected statement.
+struct DbFeil : vb::Feil {
+    using vb::Feil::Feil;
+};
+
+class Recordset;
+
+class Database {
+public:
+    static constexpr const char* Passord = "tesko4NR";
+
+    Database() = default;
+    explicit Database(const QString& fil) { aapne(fil); }
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    // Opens an existing database file with the key; DbFeil (and closed) when it cannot.
+    void aapne(const QString& fil);
+    // Creates a new, empty keyed database file (the file must not exist).
+    void lag(const QString& fil);
+    void lukk();
+    bool erApen() const { return db_ != nullptr; }
+    const QString& fil() const { return fil_; }
+
+    // Runs a statement that returns no rows.
+    void utfor(const QString& sql);
+    // Runs a select statement; the record set stays valid while the database is open.
+    Recordset spor(const QString& sql);
+    // Runs a statement given in SQLite's own text, untranslated (schema, pragmas).
+    void utforSqlite(const char* sql);
+    // A statement prepared once in SQLite's own text, for repeated use with bound values.
+    sqlite3_stmt* forbered(const char* sql);
+
+    sqlite3* handle() const { return db_; }
+
+private:
+    void apneFil(const QString& fil, int flagg);
+    [[noreturn]] void kast(const QString& hva) const;
+
+    sqlite3* db_ = nullptr;
+    QString fil_;
+};
+
+// Groups statements into one transaction; rolled back unless committed.
+class Transaksjon {
+public:
+    explicit Transaksjon(Database& db);
+    ~Transaksjon();
+    void fullfor();
+
+private:
+    Database& db_;
+    bool aktiv_ = true;
+};
+
+// Rows of a select statement, read forwards; moveFirst runs the statement again.
+class Recordset {
+public:
+    Recordset(Recordset&&) noexcept;
+    Recordset& operator=(Recordset&&) noexcept;
+    ~Recordset();
+
+    bool eof() const { return eof_; }
+    void moveNext();
+    void moveFirst();
+
+    // Field of the current row by column name (not case-sensitive); DbFeil for an unknown name.
+    bool erNull(std::string_view navn) const;
+    double tall(std::string_view navn) const;
+    QString tekst(std::string_view navn) const;
+    // A date-time field (DatoTid); DbFeil when the field holds no date-time.
+    vb::Dato dato(std::string_view navn) const;
+    // The same by column position from 0.
+    int kolonne(std::string_view navn) const;
+    bool erNull(int kolonne) const;
+    double tall(int kolonne) const;
+
+private:
+    friend class Database;
+    Recordset(sqlite3* db, sqlite3_stmt* stmt);
+    void steg();
+
+    sqlite3* db_ = nullptr;
+    sqlite3_stmt* stmt_ = nullptr;
+    bool eof_ = true;
+    std::vector<std::string> navn_;
+};
+
+} // namespace db

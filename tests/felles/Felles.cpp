@@ -1,0 +1,48 @@
+#include "felles/Felles.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+namespace test {
+
+Programmappe::Programmappe() : mappe_(dir_.path())
+{
+    for (const char* navn : {"Template.mdb", "Data.mdb"}) {
+        const QString fra = QStringLiteral(TOLVIK_DIST "/Template.mdb");
+        if (!QFile::copy(fra, sti(QLatin1String(navn)))) ADD_FAILURE() << "kan ikke kopiere " << fra.toStdString();
+    }
+}
+
+void Programmappe::skriv(const QString& navn, const QByteArray& innhold) const
+{
+    QFile f(sti(navn));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(innhold);
+}
+
+QByteArray Programmappe::les(const QString& navn) const
+{
+    QFile f(sti(navn));
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+Kjoring batch(const QStringList& argumenter)
+{
+    QProcess p;
+    p.start(QStringLiteral(TOLVIK_DIST "/tolvik-batch"), argumenter);
+    p.waitForFinished(300000);
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+}
+
+} // namespace test
+
+// Every test program runs the real Qt application on the offscreen platform.
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,33 @@
+// Test helpers: a fresh program folder made from the built one, and tolvik-batch runs.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace test {
+
+// A temporary program folder holding Template.mdb and a fresh Data.mdb copied from the build.
+class Programmappe {
+public:
+    Programmappe();
+    QString sti(const QString& navn) const { return dir_.path() + QLatin1Char('/') + navn; }
+    const QString& mappe() const { return mappe_; }
+    // Writes a file with exactly these bytes.
+    void skriv(const QString& navn, const QByteArray& innhold) const;
+    QByteArray les(const QString& navn) const;
+
+private:
+    QTemporaryDir dir_;
+    QString mappe_;
+};
+
+struct Kjoring {
+    int status = -1;
+    QString ut;
+    QString feil;
+};
+// Runs the built tolvik-batch with these arguments.
+Kjoring batch(const QStringList& argumenter);
+
+} // namespace test

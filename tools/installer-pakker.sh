@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Tolvik needs to build, run and test; does nothing when all are there.
+set -euo pipefail
+pakker=(g++ cmake make pkg-config qt6-base-dev qt6-charts-dev libqt6opengl6-dev libgl-dev
+        libsqlcipher-dev sqlcipher sqlite3 libzip-dev libpugixml-dev libxlsxwriter-dev
+        libgtest-dev python3 python3-openpyxl xvfb xauth)
+mangler=()
+for p in "${pakker[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || mangler+=("$p")
+done
+[ ${#mangler[@]} -eq 0 ] && exit 0
+echo "Installerer: ${mangler[*]}"
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${mangler[@]}"
