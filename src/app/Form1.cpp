@@ -129,12 +129,13 @@ void Form1::byggKontroller()
         auto* linje = new QFrame(Frame1);
         linje->setFrameShape(QFrame::HLine);
         linje->setFrameShadow(QFrame::Sunken);
-        plasser(linje, QStringLiteral("Line%1").arg(i + 1).toLatin1().constData(), 120, 660 + 360 * i, 6135, 30);
+        plasser(linje, QStringLiteral("Line%1").arg(i + 1).toLatin1().constData(), 120, i < 5 ? 645 + 360 * i : 2640,
+                6135, 30);
     }
     auto* Command6 = knapp(Frame1, "Command6", QStringLiteral("Test"), 240, 2160, 1215);
     Command6->hide();
-    etikett(Frame1, "Label3", QStringLiteral("Antall behandlede linjer:"), 240, 2400, 2520);
-    Label4 = etikett(Frame1, "Label4", QString(), 2880, 2400, 3255);
+    etikett(Frame1, "Label3", QStringLiteral("Antall behandlede linjer:"), 240, 2280, 2520);
+    Label4 = etikett(Frame1, "Label4", QString(), 2880, 2280, 3255);
     QFont fet = Label4->font();
     fet.setBold(true);
     Label4->setFont(fet);
@@ -194,7 +195,7 @@ void Form1::apneDatabase()
                            ui::Knapper::Ok, ui::Ikon::Informasjon);
     }
     try {
-        tilkobling_.aapne(data);
+        store::apneMaledata(tilkobling_, data);
     } catch (const db::DbFeil& e) {
         k_.dialogs.melding(QString::fromStdString(e.what()) +
                                QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),

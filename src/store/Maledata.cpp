@@ -12,6 +12,17 @@ void lagTomDatabase(const QString& fil)
                   "CREATE INDEX DataLinjer_DatoTid ON DataLinjer (DatoTid);");
 }
 
+void apneMaledata(db::Database& tilkobling, const QString& fil)
+{
+    tilkobling.aapne(fil);
+    try {
+        tilkobling.utforSqlite("SELECT ID, DatoTid, DatoTid_Tekst, C, L FROM DataLinjer LIMIT 0");
+    } catch (const db::DbFeil&) {
+        tilkobling.lukk();
+        throw db::DbFeil(QStringLiteral("Kan ikke åpne databasen %1: den har ingen tabell DataLinjer").arg(fil).toStdString());
+    }
+}
+
 QString tittel(long long antall, const QString& versjon)
 {
     return QStringLiteral("Tolvik - ") + vb::antallTekst(antall) + QStringLiteral(" poster i databasen  [Versjon: ") +

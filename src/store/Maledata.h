@@ -12,6 +12,9 @@ inline const QString MalFil = QStringLiteral("Template.mdb");
 // Creates a new keyed database file with the empty table DataLinjer and its time index.
 void lagTomDatabase(const QString& fil);
 
+// Opens a measurement database: DbFeil also when the file is a database without DataLinjer.
+void apneMaledata(db::Database& tilkobling, const QString& fil);
+
 // Counts the rows of DataLinjer and writes the window caption with the count.
 void VisAntallPoster(Kontekst& k);
 // The caption for a row count: "Tolvik - " + count + " poster i databasen  [Versjon: " + versjon + "]".

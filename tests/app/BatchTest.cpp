@@ -1,0 +1,52 @@
+// tolvik-batch as a script outside the program drives it.
+#include "felles/Felles.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+TEST(Batch, StatusPaTomMappe)
+{
+    test::Programmappe m;
+    const auto k = test::batch({"--folder", m.mappe(), "status"});
+    EXPECT_EQ(k.status, 0) << k.feil.toStdString();
+    EXPECT_EQ(k.ut, QStringLiteral("Tolvik -    poster i databasen  [Versjon: 1.6 (06.01.2013)]\n"
+                                   "Text4=1\nText6=30\nText5=200\nText3=230\nText1=10\nText2=120\nDesorpsjon\n"));
+}
+
+TEST(Batch, GlobaleValgOgLagring)
+{
+    test::Programmappe m;
+    m.skriv("Kolonner.txt", "CO2                    [C]\r\nN2                    [D]\r\n");
+    const auto k = test::batch({"--folder", m.mappe(), "--set", "Text6=12", "--column", "D", "--adsorption",
+                                "--save-settings", "status"});
+    EXPECT_EQ(k.status, 0) << k.feil.toStdString();
+    EXPECT_TRUE(k.ut.contains(QStringLiteral("Text6=12\n")));
+    EXPECT_TRUE(k.ut.contains(QStringLiteral("  CO2                    [C]\n* N2                    [D]\n")));
+    EXPECT_TRUE(k.ut.endsWith(QStringLiteral("Adsorpsjon\n")));
+    EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("1!12!200!230!10!120\r\n"));
+}
+
+TEST(Batch, BrukFeilGirStatusTo)
+{
+    test::Programmappe m;
+    for (const QStringList& args : {QStringList{"--folder", m.mappe()}, QStringList{"--folder", m.mappe(), "tull"},
+                                    QStringList{"--folder", m.mappe(), "--set", "Text9=1", "status"},
+                                    QStringList{"--folder", m.mappe(), "--column", "Q", "status"},
+                                    QStringList{"--folder", m.mappe(), "status", "ekstra"},
+                                    QStringList{"--adsorption", "--desorption", "status"}}) {
+        const auto k = test::batch(args);
+        EXPECT_EQ(k.status, 2) << args.join(' ').toStdString();
+        EXPECT_TRUE(k.feil.contains(QStringLiteral("Bruk: tolvik-batch"))) << k.feil.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(m.sti("Oppsett.txt")));
+}
+
+TEST(Batch, MeldingerVedOppstartSkrivesUt)
+{
+    test::Programmappe m;
+    m.skriv("Data.mdb", "tull");
+    const auto k = test::batch({"--folder", m.mappe(), "status"});
+    EXPECT_EQ(k.status, 0);
+    EXPECT_TRUE(k.ut.startsWith(QStringLiteral("Kan ikke åpne databasen"))) << k.ut.toStdString();
+    EXPECT_EQ(m.les("Data.mdb"), QByteArray("tull"));
+}
