@@ -80,7 +80,8 @@ void FrmGraph::tegn(const QString& tittel)
     chart->setTitle(tittel);
     const double marg = hoy > lav ? (hoy - lav) * 0.05 : (lav != 0 ? std::abs(lav) * 0.05 : 1.0);
     chart->axes(Qt::Horizontal).first()->setRange(1, std::max<qsizetype>(radAntall(), 2));
-    chart->axes(Qt::Vertical).first()->setRange(lav - marg, hoy + marg);
+    // Currents are never negative: the axis does not reach below zero for them.
+    chart->axes(Qt::Vertical).first()->setRange(lav >= 0 ? std::max(0.0, lav - marg) : lav - marg, hoy + marg);
 }
 
 } // namespace analyse
