@@ -1,10 +1,13 @@
 #include "app/Batch.h"
 
+#include "analysis/FrmGraph.h"
 #include "app/Form1.h"
 #include "files/Tekstfil.h"
 #include "platform/dialogs/SkriptDialogs.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QPixmap>
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -70,10 +73,54 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
     return Utfall::Ferdig;
 }
 
+// Answers the search-start question, the command's own second question and the final one.
+Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, SkriptDialogs::Svaret andre,
+           Utfall (Form1::*kommando)())
+{
+    d.svar(a.paakrevd(QStringLiteral("--start")));
+    if (auto v = a.verdi(andreValg)) andre = *v;
+    d.svar(andre);
+    d.svar(a.flagg(QStringLiteral("--apply")) ? ui::Svar::Ja : ui::Svar::Nei);
+    a.ferdig();
+    return (f.*kommando)();
+}
+
+Utfall finnSykluser(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    return sok(f, a, d, QStringLiteral("--threshold"), SkriptDialogs::Forslag{}, &Form1::Command7_Click);
+}
+
+Utfall automatiskSoking(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    return sok(f, a, d, QStringLiteral("--cycles"), QStringLiteral("30"), &Form1::Command11_Click);
+}
+
+Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
+{
+    const std::optional<QString> png = a.verdi(QStringLiteral("--png"));
+    a.ferdig();
+    bool lagret = true;
+    f.settModalVisning([&](QDialog& vindu) {
+        if (const auto* g = qobject_cast<const analyse::FrmGraph*>(&vindu))
+            skriv(QStringLiteral("Punkter i grafen: %1\n").arg(g->punkter()));
+        if (!png) return;
+        vindu.show();
+        QCoreApplication::processEvents();
+        lagret = vindu.grab().save(*png, "PNG");
+        vindu.close();
+        if (!lagret) std::fprintf(stderr, "Kan ikke lagre bildet %s\n", png->toUtf8().constData());
+    });
+    const Utfall utfall = f.Command8_Click();
+    return lagret ? utfall : Utfall::Avvist;
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
         {QStringLiteral("status"), status},
+        {QStringLiteral("find-cycles"), finnSykluser},
+        {QStringLiteral("auto-search"), automatiskSoking},
+        {QStringLiteral("graph"), graf},
     };
     return alle;
 }

@@ -1,5 +1,8 @@
 #include "app/Form1.h"
 
+#include "analysis/AutomatiskSoking.h"
+#include "analysis/Graf.h"
+#include "analysis/Sykluser.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -7,6 +10,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDialog>
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
@@ -154,8 +158,10 @@ void Form1::byggKontroller()
 
     koble(Command1, &Form1::Command1_Click);
     koble(Command10, &Form1::Command10_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
-        (void)Command9;
+    koble(Command7, &Form1::Command7_Click);
+    koble(Command8, &Form1::Command8_Click);
+    koble(Command11, &Form1::Command11_Click);
+    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command9;
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -247,6 +253,10 @@ Utfall Form1::Command10_Click()
     return Utfall::Ferdig;
 }
 
+Utfall Form1::Command7_Click() { return kjor(analyse::Command7_Click); }
+Utfall Form1::Command8_Click() { return kjor(analyse::Command8_Click); }
+Utfall Form1::Command11_Click() { return kjor(analyse::Command11_Click); }
+
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {
     if (kjorer_) return Utfall::Avvist;
@@ -318,6 +328,19 @@ void Form1::settOpptatt(bool opptatt)
     } else if (opptatt_ > 0) {
         --opptatt_;
         QApplication::restoreOverrideCursor();
+    }
+}
+
+void Form1::visModalt(QDialog& vindu)
+{
+    if (modalVisning_) {
+        modalVisning_(vindu);
+    } else {
+        vindu.setParent(this, vindu.windowFlags());
+        // The busy pointer stays over the main window only; the modal window is for the user to handle.
+        if (opptatt_ > 0) QApplication::setOverrideCursor(Qt::ArrowCursor);
+        vindu.exec();
+        if (opptatt_ > 0) QApplication::restoreOverrideCursor();
     }
 }
 

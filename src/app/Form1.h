@@ -26,12 +26,18 @@ public:
     // The command buttons; each returns how its command ended (for tolvik-batch).
     Utfall Command1_Click();   // &Exit
     Utfall Command10_Click();  // Om programmet
+    Utfall Command7_Click();   // 4.  Finn antall sykluser
+    Utfall Command8_Click();   // 3.  Graf (viser hele fila)
+    Utfall Command11_Click();  // Automatisk søking
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
     bool lagreOppsett();
     // Selects Option1 "Adsorpsjon" (true) or Option2 "Desorpsjon".
     void velgAdsorpsjon(bool adsorpsjon);
     Kontekst& kontekst() { return k_; }
+    // Hands the windows that commands show modally to vis instead of waiting for the user to
+    // close them (tolvik-batch and tests); empty restores waiting.
+    void settModalVisning(std::function<void(QDialog&)> vis) { modalVisning_ = std::move(vis); }
 
     // ui::Vindu
     QString tekst(ui::Boks boks) const override;
@@ -46,6 +52,7 @@ public:
     void settTittel(const QString& tekst) override;
     void settOpptatt(bool opptatt) override;
     void behandleHendelser() override;
+    void visModalt(QDialog& vindu) override;
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -67,6 +74,7 @@ private:
     bool kjorer_ = false;
     bool avslutter_ = false;
     int opptatt_ = 0;
+    std::function<void(QDialog&)> modalVisning_;
 
     QComboBox* Combo1 = nullptr;
     QRadioButton* Option1 = nullptr;

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+class QDialog;
+
 namespace ui {
 
 // Thrown out of behandleHendelser() when the user ends the program in the middle of a
@@ -46,6 +48,9 @@ public:
     // Lets the window repaint and handle clicks in the middle of a command; throws Avbrutt
     // when the program is being ended.
     virtual void behandleHendelser() = 0;
+
+    // Shows a window of a command modally: the command goes on when it has been closed.
+    virtual void visModalt(QDialog& vindu) = 0;
 };
 
 // Shows the busy pointer for as long as it lives, whatever way a command ends.

@@ -1,0 +1,160 @@
+// Times the analysis commands on a large measurement database.
+//
+//   bench_analyse fyll DIR [LINJER]   fills DIR/Data.mdb with LINJER rows (default 1 000 000) of a
+//                                     cycling CO2 signal (30 cycles) and writes DIR/Kolonner.txt
+//   bench_analyse mal DIR             times cycle finding through the real command against one full
+//                                     scan of the column, and the graph's data loading
+#include "app/Form1.h"
+#include "files/Oppsett.h"
+#include "files/Tekstfil.h"
+#include "platform/dialogs/SkriptDialogs.h"
+#include "store/Maledata.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <random>
+#include <sqlite3.h>
+
+namespace {
+
+constexpr int Sykluser = 30;
+const char* const Kanaler[] = {"N2", "O2", "Ar", "CO2", "H2O", "He"};
+
+// One logged row a second: a start-up hour, then 30 cycles in which CO2 falls from its high level
+// to a low one for about a third of the cycle and climbs back.
+void fyll(const QString& mappe, long long linjer)
+{
+    const QString data = mappe + QStringLiteral("/Data.mdb");
+    QFile::remove(data);
+    store::lagTomDatabase(data);
+    db::Database d(data);
+    db::Transaksjon t(d);
+    sqlite3_stmt* inn = d.forbered("INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H) "
+                                   "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    std::mt19937 tilfeldig(7);
+    std::normal_distribution<double> stoy(1.0, 0.005);
+    const std::time_t start = 1353679531;  // 23.11.2012 14:05:31
+    const long long oppstart = 3600;
+    const double periode = static_cast<double>(linjer - oppstart) / Sykluser;
+    const double grunn[] = {7.5e-9, 2.0e-9, 9.0e-11, 0.0, 4.0e-10, 3.0e-12};
+    for (long long i = 0; i < linjer; ++i) {
+        double co2 = 2e-9;
+        if (i >= oppstart) {
+            const double fase = std::fmod(static_cast<double>(i - oppstart), periode) / periode;
+            constexpr double tau = 0.004;
+            if (fase > 0.55 && fase < 0.9)
+                co2 = 1e-12 + 2e-9 * std::exp(-(fase - 0.55) / tau);
+            else if (fase >= 0.9)
+                co2 = 2e-9 - (2e-9 - 1e-12) * std::exp(-(fase - 0.9) / tau);
+        }
+        const std::time_t naa = start + i;
+        std::tm tm{};
+        gmtime_r(&naa, &tm);
+        char iso[32], egen[32];
+        std::strftime(iso, sizeof iso, "%Y-%m-%d %H:%M:%S", &tm);
+        std::strftime(egen, sizeof egen, "%d.%m.%Y %H:%M:%S.000", &tm);
+        sqlite3_bind_text(inn, 1, iso, -1, SQLITE_TRANSIENT);
+        sqlite3_bind_text(inn, 2, egen, -1, SQLITE_TRANSIENT);
+        for (int k = 0; k < 6; ++k) sqlite3_bind_double(inn, 3 + k, (k == 3 ? co2 : grunn[k]) * stoy(tilfeldig));
+        if (sqlite3_step(inn) != SQLITE_DONE) throw db::DbFeil("innsetting feilet");
+        sqlite3_reset(inn);
+    }
+    sqlite3_finalize(inn);
+    t.fullfor();
+    QString kolonner;
+    for (int k = 0; k < 6; ++k)
+        kolonner += filer::kolonneLinje(QString::fromLatin1(Kanaler[k]), filer::kolonneBokstav(3 + k)) + "\r\n";
+    QFile f(mappe + QStringLiteral("/Kolonner.txt"));
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) throw filer::FilFeil("kan ikke skrive Kolonner.txt");
+    f.write(kolonner.toLatin1());
+}
+
+double sekunder(const QElapsedTimer& t) { return static_cast<double>(t.nsecsElapsed()) / 1e9; }
+
+// One full read of the column in ID order, as plain SQLite.
+double fullLesing(db::Database& d, const QString& K, long long& rader)
+{
+    QElapsedTimer t;
+    t.start();
+    sqlite3_stmt* s = d.forbered(("SELECT " + K + " FROM DataLinjer ORDER BY ID").toLatin1().constData());
+    rader = 0;
+    while (sqlite3_step(s) == SQLITE_ROW) {
+        sqlite3_column_double(s, 0);
+        ++rader;
+    }
+    sqlite3_finalize(s);
+    return sekunder(t);
+}
+
+// Cycle finding through the real command: start 50 minutes, the proposed threshold, answer No.
+double syklusfinning(Form1& f, ui::SkriptDialogs& d, QString& resultat)
+{
+    d.svar(QStringLiteral("50"));
+    d.svar(ui::SkriptDialogs::Forslag{});
+    d.svar(ui::Svar::Nei);
+    QElapsedTimer t;
+    t.start();
+    f.Command7_Click();
+    const double tid = sekunder(t);
+    resultat = d.meldinger().value(d.meldinger().size() - 1).section(QLatin1Char('.'), 0, 0);
+    return tid;
+}
+
+int mal(const QString& mappe)
+{
+    const QString data = mappe + QStringLiteral("/Data.mdb");
+    {
+        // The value indexes are made by the first search; start without them to measure that too.
+        db::Database d(data);
+        for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
+            d.utforSqlite(("DROP INDEX IF EXISTS DataLinjer_Verdi_" + std::string(k)).c_str());
+    }
+    ui::SkriptDialogs dialogs;
+    Form1 f(mappe, dialogs);
+    f.velgAdsorpsjon(true);
+    const QString K = filer::HentKode(f.kolonneTekst());
+    db::Database& d = f.kontekst().tilkobling;
+
+    long long rader = 0;
+    fullLesing(d, K, rader);  // warms the file cache
+    const double full = fullLesing(d, K, rader);
+    QString resultat;
+    const double forste = syklusfinning(f, dialogs, resultat);
+    const double andre = syklusfinning(f, dialogs, resultat);
+    const double full2 = fullLesing(d, K, rader);
+
+    double lasting = 0;
+    QElapsedTimer t;
+    f.settModalVisning([&](QDialog&) { lasting = sekunder(t); });
+    t.start();
+    f.Command8_Click();
+
+    std::printf("rader %lld, kolonne %s, %s\n", rader, qPrintable(K), qPrintable(resultat));
+    std::printf("full lesing av kolonnen (SELECT %s FROM DataLinjer ORDER BY ID): %.3f s\n", qPrintable(K),
+                (full + full2) / 2);
+    std::printf("syklusfinning, første gang (lager verdiindeksen): %.3f s  (forhold %.2f)\n", forste,
+                forste / ((full + full2) / 2));
+    std::printf("syklusfinning med indeks: %.3f s  (forhold %.2f)\n", andre, andre / ((full + full2) / 2));
+    std::printf("graf, innlasting til vinduet vises: %.3f s\n", lasting);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList a = QCoreApplication::arguments();
+    if (a.size() >= 3 && a[1] == QLatin1String("fyll")) {
+        fyll(a[2], a.size() > 3 ? a[3].toLongLong() : 1000000);
+        return 0;
+    }
+    if (a.size() >= 3 && a[1] == QLatin1String("mal")) return mal(a[2]);
+    std::fputs("Bruk: bench_analyse fyll MAPPE [LINJER] | mal MAPPE\n", stderr);
+    return 2;
+}

@@ -1,0 +1,45 @@
+// Cycle finding: the rows after the search start whose value lies below a threshold are split
+// into groups at time jumps of more than 10 seconds, and each closed group gives one turning
+// point, written to SnuPunkter.txt. The helpers here are shared with the automatic search.
+#pragma once
+
+#include "platform/Kontekst.h"
+
+#include <optional>
+
+namespace analyse
+{
+
+inline const QString SnuPunktFil = QStringLiteral("SnuPunkter.txt");
+inline const QString IngenData = QStringLiteral("Ingen data importert");
+
+// Button "4.  Finn antall sykluser".
+Utfall Command7_Click(Kontekst& k);
+
+// The row with the smallest ID; empty for an empty table.
+std::optional<db::Recordset> dataStart(db::Database& d);
+// The column's smallest value after the search start (null when no row lies after it).
+// Builds the column's value index first (see sikreVerdiIndeks).
+std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
+// The hit rows: DatoTid and Verdi of the rows after the search start whose value in K lies below
+// the threshold (its statement text), in ID order.
+db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart);
+// True when two consecutive hit rows lie in different groups (more than 10 s apart either way).
+bool erGap(const vb::Dato& forrige, const vb::Dato& neste);
+
+// The statement texts of the Minimum query and of FinnSnuPunkt.
+QString minimumSetning(const QString& K, const vb::Dato& sokStart);
+QString snuPunktSetning(const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg, const QString& Kolonne);
+// The DatoTid of the row from FraTid (inclusive) to TilTid (exclusive) holding the span's smallest
+// (Valg) or largest value of Kolonne; the zero date-time when the span has no row.
+vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg,
+                      const QString& Kolonne);
+
+// The result question of both searches, with its line feed.
+QString resultatTekst(int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M, int64_t I);
+
+// An index on (K, DatoTid) for a value column of the table, made the first time the column is
+// searched and kept until the next import replaces Data.mdb. Other letters are left alone.
+void sikreVerdiIndeks(db::Database& d, const QString& K);
+
+} // namespace analyse
