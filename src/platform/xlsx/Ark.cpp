@@ -443,15 +443,33 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     }
     ut += '>';
     if (c.formel) {
+        const FormelDel& f = *c.formel;
         ut += '<';
         ut += ns_;
         ut += 'f';
-        ut += c.formel->attr;
-        ut += '>';
-        escape(ut, c.formel->tekst, false);
-        ut += "</";
-        ut += ns_;
-        ut += "f>";
+        ut += f.attr;
+        if (f.delt >= 0) {
+            ut += " t=\"shared\"";
+            if (f.deltTil > rad) {
+                ut += " ref=\"";
+                leggTilAdresse(ut, rad, c.kol);
+                ut += ':';
+                leggTilAdresse(ut, f.deltTil, c.kol);
+                ut += '"';
+            }
+            ut += " si=\"";
+            leggTilHeltall(ut, f.delt);
+            ut += '"';
+        }
+        if (f.delt >= 0 && f.deltTil <= rad) {
+            ut += "/>";
+        } else {
+            ut += '>';
+            escape(ut, f.tekst, false);
+            ut += "</";
+            ut += ns_;
+            ut += "f>";
+        }
     }
     if (!c.formel && c.art == Celle::Tekst) {
         const std::string& t = c.tekst;
@@ -481,9 +499,41 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     ut += "c>";
 }
 
+// Runs of cells down a column whose formulas differ only by their row are written as one
+// shared formula: its text once, in the first cell.
+void Ark::finnDelteFormler() {
+    struct Lop {
+        const formel::Uttrykk* tre = nullptr;
+        int sisteRad = 0;
+        FormelDel* forste = nullptr;
+    };
+    std::map<int, Lop> lop;
+    int neste = 0;
+    for (auto& [nr, rad] : rader_) {
+        for (Celle& c : rad.celler) {
+            if (!c.formel) continue;
+            FormelDel& f = *c.formel;
+            f.delt = -1;
+            f.deltTil = 0;
+            if (!f.attr.empty()) continue;
+            if (!f.tre) f.tre = tolkelager_.hent(f.tekst, f.rad, c.kol);
+            Lop& l = lop[c.kol];
+            if (l.tre == f.tre.get() && l.sisteRad == nr - 1) {
+                if (l.forste->delt < 0) l.forste->delt = neste++;
+                l.forste->deltTil = nr;
+                f.delt = l.forste->delt;
+                l.sisteRad = nr;
+            } else {
+                l = {f.tre.get(), nr, &f};
+            }
+        }
+    }
+}
+
 std::string Ark::skriv() {
     last();
     ++gen_; // every formula is computed anew for the file
+    finnDelteFormler();
     int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
     size_t antall = 0;
     for (auto& [nr, rad] : rader_) {
