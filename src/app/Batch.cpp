@@ -70,10 +70,53 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
     return Utfall::Ferdig;
 }
 
+// Yes to the export question, then the prefix; or No with --no. Takes the last arguments.
+bool svarEksport(Argumenter& a, SkriptDialogs& d)
+{
+    const bool nei = a.flagg(QStringLiteral("--no"));
+    const auto prefiks = a.verdi(QStringLiteral("--prefix"));
+    a.ferdig();
+    if (nei) {
+        d.svar(ui::Svar::Nei);
+        return false;
+    }
+    if (!prefiks) throw BrukFeil{QStringLiteral("--prefix må oppgis")};
+    d.svar(ui::Svar::Ja);
+    d.svar(*prefiks);
+    return true;
+}
+
+// A value argument, or the proposed text of the input box when it is left out.
+SkriptDialogs::Svaret ellerForslag(const std::optional<QString>& v)
+{
+    if (v) return *v;
+    return SkriptDialogs::Forslag{};
+}
+
+Utfall exportCombined(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const auto periode = a.verdi(QStringLiteral("--period"));
+    if (svarEksport(a, d) && !f.adsorpsjon()) d.svar(ellerForslag(periode));
+    return f.Command5_Click();
+}
+
+Utfall integrate(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const auto foer = a.verdi(QStringLiteral("--before"));
+    const auto etter = a.verdi(QStringLiteral("--after"));
+    if (svarEksport(a, d)) {
+        d.svar(ellerForslag(foer));
+        d.svar(ellerForslag(etter));
+    }
+    return f.Command12_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
         {QStringLiteral("status"), status},
+        {QStringLiteral("export-combined"), exportCombined},
+        {QStringLiteral("integrate"), integrate},
     };
     return alle;
 }

@@ -1,5 +1,7 @@
 #include "app/Form1.h"
 
+#include "export/Integrering.h"
+#include "export/Samlefil.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -153,8 +155,9 @@ void Form1::byggKontroller()
 
     koble(Command1, &Form1::Command1_Click);
     koble(Command10, &Form1::Command10_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
-        (void)Command9;
+    koble(Command5, &Form1::Command5_Click);
+    koble(Command12, &Form1::Command12_Click);
+    (void)Command2, (void)Command3, (void)Command4, (void)Command7, (void)Command8, (void)Command9;
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -245,6 +248,9 @@ Utfall Form1::Command10_Click()
                        ui::Knapper::Ok, ui::Ikon::Informasjon);
     return Utfall::Ferdig;
 }
+
+Utfall Form1::Command5_Click() { return kjor(eksport::Command5_Click); }
+Utfall Form1::Command12_Click() { return kjor(eksport::Command12_Click); }
 
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {

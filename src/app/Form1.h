@@ -26,6 +26,8 @@ public:
     // The command buttons; each returns how its command ended (for tolvik-batch).
     Utfall Command1_Click();   // &Exit
     Utfall Command10_Click();  // Om programmet
+    Utfall Command5_Click();   // 7.  Lag samlegraf
+    Utfall Command12_Click();  // 10. Redigert CO2 kolonne (hidden)
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
     bool lagreOppsett();
