@@ -70,10 +70,39 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
     return Utfall::Ferdig;
 }
 
+Utfall eksportEnkelt(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const QString prefiks = a.paakrevd(QStringLiteral("--prefix"));
+    const bool nei = a.flagg(QStringLiteral("--no"));
+    a.ferdig();
+    d.svar(nei ? ui::Svar::Nei : ui::Svar::Ja);
+    if (!nei) d.svar(prefiks);
+    return f.Command3_Click();
+}
+
+Utfall redigerTittel(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const bool enkelt = a.flagg(QStringLiteral("--single"));
+    const bool samle = a.flagg(QStringLiteral("--combined"));
+    if (enkelt == samle) throw BrukFeil{QStringLiteral("Oppgi enten --single eller --combined")};
+    d.svar(a.paakrevd(QStringLiteral("--title")));
+    a.ferdig();
+    return enkelt ? f.Command9_Click() : f.Command4_Click();
+}
+
+Utfall provMal(Form1& f, Argumenter& a, SkriptDialogs&)
+{
+    a.ferdig();
+    return f.Command6_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
         {QStringLiteral("status"), status},
+        {QStringLiteral("export-single"), eksportEnkelt},
+        {QStringLiteral("edit-title"), redigerTittel},
+        {QStringLiteral("test"), provMal},
     };
     return alle;
 }

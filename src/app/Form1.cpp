@@ -1,5 +1,8 @@
 #include "app/Form1.h"
 
+#include "export/Enkeltgraf.h"
+#include "export/Graftittel.h"
+#include "export/Malprove.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -153,8 +156,11 @@ void Form1::byggKontroller()
 
     koble(Command1, &Form1::Command1_Click);
     koble(Command10, &Form1::Command10_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
-        (void)Command9;
+    koble(Command3, &Form1::Command3_Click);
+    koble(Command4, &Form1::Command4_Click);
+    koble(Command6, &Form1::Command6_Click);
+    koble(Command9, &Form1::Command9_Click);
+    (void)Command2, (void)Command5, (void)Command7, (void)Command8;
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -245,6 +251,11 @@ Utfall Form1::Command10_Click()
                        ui::Knapper::Ok, ui::Ikon::Informasjon);
     return Utfall::Ferdig;
 }
+
+Utfall Form1::Command3_Click() { return kjor(eksport::Command3_Click); }
+Utfall Form1::Command4_Click() { return kjor(eksport::Command4_Click); }
+Utfall Form1::Command6_Click() { return kjor(eksport::Command6_Click); }
+Utfall Form1::Command9_Click() { return kjor(eksport::Command9_Click); }
 
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {

@@ -26,6 +26,10 @@ public:
     // The command buttons; each returns how its command ended (for tolvik-batch).
     Utfall Command1_Click();   // &Exit
     Utfall Command10_Click();  // Om programmet
+    Utfall Command3_Click();   // 9.  Lag enkeltgraf
+    Utfall Command4_Click();   // 6.  Rediger samlegraf
+    Utfall Command6_Click();   // Test (hidden)
+    Utfall Command9_Click();   // 8.  Rediger enkeltgraf
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
     bool lagreOppsett();
