@@ -111,12 +111,37 @@ Utfall integrate(Form1& f, Argumenter& a, SkriptDialogs& d)
     return f.Command12_Click();
 }
 
+Utfall eksportEnkelt(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    svarEksport(a, d);
+    return f.Command3_Click();
+}
+
+Utfall redigerTittel(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const bool enkelt = a.flagg(QStringLiteral("--single"));
+    const bool samle = a.flagg(QStringLiteral("--combined"));
+    if (enkelt == samle) throw BrukFeil{QStringLiteral("Oppgi enten --single eller --combined")};
+    d.svar(a.paakrevd(QStringLiteral("--title")));
+    a.ferdig();
+    return enkelt ? f.Command9_Click() : f.Command4_Click();
+}
+
+Utfall provMal(Form1& f, Argumenter& a, SkriptDialogs&)
+{
+    a.ferdig();
+    return f.Command6_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
         {QStringLiteral("status"), status},
         {QStringLiteral("export-combined"), exportCombined},
         {QStringLiteral("integrate"), integrate},
+        {QStringLiteral("export-single"), eksportEnkelt},
+        {QStringLiteral("edit-title"), redigerTittel},
+        {QStringLiteral("test"), provMal},
     };
     return alle;
 }

@@ -2,6 +2,9 @@
 
 #include "export/Integrering.h"
 #include "export/Samlefil.h"
+#include "export/Enkeltgraf.h"
+#include "export/Graftittel.h"
+#include "export/Malprove.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -157,7 +160,11 @@ void Form1::byggKontroller()
     koble(Command10, &Form1::Command10_Click);
     koble(Command5, &Form1::Command5_Click);
     koble(Command12, &Form1::Command12_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command7, (void)Command8, (void)Command9;
+    koble(Command3, &Form1::Command3_Click);
+    koble(Command4, &Form1::Command4_Click);
+    koble(Command6, &Form1::Command6_Click);
+    koble(Command9, &Form1::Command9_Click);
+    (void)Command2, (void)Command7, (void)Command8;
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -251,6 +258,10 @@ Utfall Form1::Command10_Click()
 
 Utfall Form1::Command5_Click() { return kjor(eksport::Command5_Click); }
 Utfall Form1::Command12_Click() { return kjor(eksport::Command12_Click); }
+Utfall Form1::Command3_Click() { return kjor(eksport::Command3_Click); }
+Utfall Form1::Command4_Click() { return kjor(eksport::Command4_Click); }
+Utfall Form1::Command6_Click() { return kjor(eksport::Command6_Click); }
+Utfall Form1::Command9_Click() { return kjor(eksport::Command9_Click); }
 
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {

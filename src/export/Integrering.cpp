@@ -1,7 +1,6 @@
 #include "export/Integrering.h"
 
 #include "export/Eksport.h"
-#include "export/Fremdrift.h"
 #include "files/Tekstfil.h"
 #include "platform/xlsx/Arbeidsbok.h"
 
@@ -70,7 +69,7 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     if (SyklusNr == 1)
         for (int r = 2; harTekst(samleark.celle(r, KolonneB)); ++r) samleark.settCelle(r, KolonneB, xlsx::Verdi{});
 
-    Fremdrift fremdrift(k.vindu);
+    Fremdrift fremdrift(k.vindu, SyklusNr);
     int16_t rad = 3;
     ark.settCelle(2, KolonneK, startForskyvning(StartTid, PosterFor.dato("DatoTid")));
 
@@ -90,7 +89,7 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
                            QStringLiteral("= abs((D") + tall(n) + QStringLiteral("-D") + tall(n - 1) + QStringLiteral(")/2)"));
         }
         rad = vb::pluss16(rad);
-        fremdrift.rad(rad, SyklusNr);
+        fremdrift.rad(rad);
     }
     for (; !PosterEtter.eof(); PosterEtter.moveNext()) {
         const int n = rad;
@@ -98,15 +97,13 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
         ark.settFormel(QLatin1Char('F') + tall(n),
                        QStringLiteral("= abs((D") + tall(n) + QStringLiteral(" -D") + tall(n + 1) + QStringLiteral(")/2)"));
         rad = vb::pluss16(rad);
-        fremdrift.rad(rad, SyklusNr);
+        fremdrift.rad(rad);
         // An empty value never cuts.
         if (!PosterEtter.erNull("F") && PosterEtter.tall("F") < static_cast<double>(startniva)) {
             ark.settCelle(n, KolonneE, 0.0);
             break;
         }
     }
-    fremdrift.vis();
-
     ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
     samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
     for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);

@@ -1,7 +1,6 @@
 #include "export/Samlefil.h"
 
 #include "export/Eksport.h"
-#include "export/Fremdrift.h"
 #include "files/Tekstfil.h"
 #include "platform/xlsx/Arbeidsbok.h"
 #include "store/Maledata.h"
@@ -10,8 +9,6 @@ namespace eksport {
 
 namespace {
 
-const QString MalAdsorpsjon = QStringLiteral("Mal_Alle_Adsorpsjon.xlsm");
-const QString MalDesorpsjon = QStringLiteral("Mal_Alle_Desorpsjon.xlsm");
 constexpr int SisteRad = 2000;
 
 QString tidsvilkar(const char* op, const vb::Dato& t)
@@ -55,7 +52,7 @@ Utfall Command5_Click(Kontekst& k)
         if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage en samlefil for ") + antallRun(k.vindu) +
                                  QStringLiteral(" run?")))
             return Utfall::Ferdig;
-        const QString mal = k.sti(k.vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon);
+        const QString mal = k.sti(samleMal(k.vindu));
         if (!filer::FilFinnes(mal)) {
             k.dialogs.info(QStringLiteral("Du mangler malfila"));
             return Utfall::Avvist;
@@ -77,7 +74,6 @@ Utfall Command5_Click(Kontekst& k)
                 QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
                 QStringLiteral("Periode"), QStringLiteral("140")));
 
-        Fremdrift fremdrift(k.vindu);
         const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
         for (int16_t syklus = 1; syklus <= siste;) {
             const vb::Dato snupunkt = liste->syklus(syklus);
@@ -95,17 +91,17 @@ Utfall Command5_Click(Kontekst& k)
                                                 QStringLiteral(" order by ID"));
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
-                    QString bokstav = kolonneBokstav(k);
                     float rad = 2.0f;
-                    for (; !poster.eof(); poster.moveNext()) {
-                        const int n = static_cast<int>(rad);
-                        if (syklus == 1) ark.settCelle(n, 1, poster.tekst("DatoTid_Tekst"));
-                        ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(bokstav, poster)));
-                        rad += 1.0f;
-                        // The chooser can only change while pending events run.
-                        if (fremdrift.rad(static_cast<long long>(rad), syklus)) bokstav = kolonneBokstav(k);
+                    {
+                        Fremdrift fremdrift(k.vindu, syklus);
+                        for (; !poster.eof(); poster.moveNext()) {
+                            const int n = static_cast<int>(rad);
+                            if (syklus == 1) ark.settCelle(n, 1, poster.tekst("DatoTid_Tekst"));
+                            ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(kolonneBokstav(k), poster)));
+                            rad += 1.0f;
+                            fremdrift.rad(static_cast<long long>(rad));
+                        }
                     }
-                    fremdrift.vis();
                     for (int n = static_cast<int>(rad); n <= SisteRad; ++n) ark.tomCelle(n, kolonne);
                 }
             }
