@@ -4,6 +4,7 @@
 #include "files/Tekstfil.h"
 
 #include <QDir>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
 #include <QProcess>

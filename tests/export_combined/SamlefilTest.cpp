@@ -92,7 +92,7 @@ TEST_F(Samlefil, DesorpsjonFinnerAndreMaksimumInnenforPerioden)
     dialogs.svar(Forslag{});
     EXPECT_EQ(vindu().Command5_Click(), Utfall::Ferdig);
 
-    const auto& periode = dialogs.dialoger().back();
+    const auto& periode = dialogs.dialoger().at(2);
     EXPECT_EQ(periode.tekst,
               QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"));
     EXPECT_EQ(periode.tittel, QStringLiteral("Periode"));
