@@ -30,12 +30,12 @@ double kanalC(int sekIsyklus)
     return 1e-10 + 4e-9 * std::exp(-fraMaks * fraMaks / 4.0) + 1e-11 * std::sin(sekIsyklus / 97.0);
 }
 
-// Column F, CO2: a base that sinks slowly through the cycle and a peak that rises at the
-// turning point and decays, so that it falls below its level 25 minutes earlier.
+// Column F, CO2: a base that sinks slowly through the cycle and a peak that rises just before
+// the turning point and decays, so that it falls below its level 25 minutes earlier.
 double kanalF(int sekIsyklus)
 {
     const double d = sekIsyklus - SnuEtter;
-    const double etter = d / 60.0;
+    const double etter = d / 60.0 + 2.0;  // the peak rises two minutes before the turning point
     return 2e-10 - 2e-11 * d / 1500.0 + (etter >= 0 ? 3e-9 * etter / 2.0 * std::exp(-etter / 2.0) : 0.0);
 }
 
