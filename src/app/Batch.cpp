@@ -73,13 +73,18 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
     return Utfall::Ferdig;
 }
 
+// A value argument, or the proposed text of the input box when it is left out.
+SkriptDialogs::Svaret ellerForslag(const std::optional<QString>& v)
+{
+    if (v) return *v;
+    return SkriptDialogs::Forslag{};
+}
+
 // Answers the search-start question, the command's own second question and the final one.
-Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, SkriptDialogs::Svaret andre,
-           Utfall (Form1::*kommando)())
+Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, Utfall (Form1::*kommando)())
 {
     d.svar(a.paakrevd(QStringLiteral("--start")));
-    if (auto v = a.verdi(andreValg)) andre = *v;
-    d.svar(andre);
+    d.svar(ellerForslag(a.verdi(andreValg)));
     d.svar(a.flagg(QStringLiteral("--apply")) ? ui::Svar::Ja : ui::Svar::Nei);
     a.ferdig();
     return (f.*kommando)();
@@ -87,12 +92,12 @@ Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, 
 
 Utfall finnSykluser(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--threshold"), SkriptDialogs::Forslag{}, &Form1::Command7_Click);
+    return sok(f, a, d, QStringLiteral("--threshold"), &Form1::Command7_Click);
 }
 
 Utfall automatiskSoking(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--cycles"), QStringLiteral("30"), &Form1::Command11_Click);
+    return sok(f, a, d, QStringLiteral("--cycles"), &Form1::Command11_Click);
 }
 
 Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
@@ -114,6 +119,62 @@ Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
     return lagret ? utfall : Utfall::Avvist;
 }
 
+// Yes to the export question, then the prefix; or No with --no. Takes the last arguments.
+bool svarEksport(Argumenter& a, SkriptDialogs& d)
+{
+    const bool nei = a.flagg(QStringLiteral("--no"));
+    const auto prefiks = a.verdi(QStringLiteral("--prefix"));
+    a.ferdig();
+    if (nei) {
+        d.svar(ui::Svar::Nei);
+        return false;
+    }
+    if (!prefiks) throw BrukFeil{QStringLiteral("--prefix må oppgis")};
+    d.svar(ui::Svar::Ja);
+    d.svar(*prefiks);
+    return true;
+}
+
+Utfall exportCombined(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const auto periode = a.verdi(QStringLiteral("--period"));
+    if (svarEksport(a, d) && !f.adsorpsjon()) d.svar(ellerForslag(periode));
+    return f.Command5_Click();
+}
+
+Utfall integrate(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const auto foer = a.verdi(QStringLiteral("--before"));
+    const auto etter = a.verdi(QStringLiteral("--after"));
+    if (svarEksport(a, d)) {
+        d.svar(ellerForslag(foer));
+        d.svar(ellerForslag(etter));
+    }
+    return f.Command12_Click();
+}
+
+Utfall eksportEnkelt(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    svarEksport(a, d);
+    return f.Command3_Click();
+}
+
+Utfall redigerTittel(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const bool enkelt = a.flagg(QStringLiteral("--single"));
+    const bool samle = a.flagg(QStringLiteral("--combined"));
+    if (enkelt == samle) throw BrukFeil{QStringLiteral("Oppgi enten --single eller --combined")};
+    d.svar(a.paakrevd(QStringLiteral("--title")));
+    a.ferdig();
+    return enkelt ? f.Command9_Click() : f.Command4_Click();
+}
+
+Utfall provMal(Form1& f, Argumenter& a, SkriptDialogs&)
+{
+    a.ferdig();
+    return f.Command6_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
@@ -121,6 +182,11 @@ const std::vector<std::pair<QString, Kommando>>& kommandoer()
         {QStringLiteral("find-cycles"), finnSykluser},
         {QStringLiteral("auto-search"), automatiskSoking},
         {QStringLiteral("graph"), graf},
+        {QStringLiteral("export-combined"), exportCombined},
+        {QStringLiteral("integrate"), integrate},
+        {QStringLiteral("export-single"), eksportEnkelt},
+        {QStringLiteral("edit-title"), redigerTittel},
+        {QStringLiteral("test"), provMal},
     };
     return alle;
 }

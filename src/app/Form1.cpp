@@ -3,6 +3,11 @@
 #include "analysis/AutomatiskSoking.h"
 #include "analysis/Graf.h"
 #include "analysis/Sykluser.h"
+#include "export/Integrering.h"
+#include "export/Samlefil.h"
+#include "export/Enkeltgraf.h"
+#include "export/Graftittel.h"
+#include "export/Malprove.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -161,7 +166,12 @@ void Form1::byggKontroller()
     koble(Command7, &Form1::Command7_Click);
     koble(Command8, &Form1::Command8_Click);
     koble(Command11, &Form1::Command11_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command9;
+    koble(Command5, &Form1::Command5_Click);
+    koble(Command12, &Form1::Command12_Click);
+    koble(Command3, &Form1::Command3_Click);
+    koble(Command4, &Form1::Command4_Click);
+    koble(Command6, &Form1::Command6_Click);
+    koble(Command9, &Form1::Command9_Click);
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -256,6 +266,12 @@ Utfall Form1::Command10_Click()
 Utfall Form1::Command7_Click() { return kjor(analyse::Command7_Click); }
 Utfall Form1::Command8_Click() { return kjor(analyse::Command8_Click); }
 Utfall Form1::Command11_Click() { return kjor(analyse::Command11_Click); }
+Utfall Form1::Command5_Click() { return kjor(eksport::Command5_Click); }
+Utfall Form1::Command12_Click() { return kjor(eksport::Command12_Click); }
+Utfall Form1::Command3_Click() { return kjor(eksport::Command3_Click); }
+Utfall Form1::Command4_Click() { return kjor(eksport::Command4_Click); }
+Utfall Form1::Command6_Click() { return kjor(eksport::Command6_Click); }
+Utfall Form1::Command9_Click() { return kjor(eksport::Command9_Click); }
 
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {

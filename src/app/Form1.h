@@ -29,6 +29,12 @@ public:
     Utfall Command7_Click();   // 4.  Finn antall sykluser
     Utfall Command8_Click();   // 3.  Graf (viser hele fila)
     Utfall Command11_Click();  // Automatisk søking
+    Utfall Command5_Click();   // 7.  Lag samlegraf
+    Utfall Command12_Click();  // 10. Redigert CO2 kolonne (hidden)
+    Utfall Command3_Click();   // 9.  Lag enkeltgraf
+    Utfall Command4_Click();   // 6.  Rediger samlegraf
+    Utfall Command6_Click();   // Test (hidden)
+    Utfall Command9_Click();   // 8.  Rediger enkeltgraf
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
     bool lagreOppsett();

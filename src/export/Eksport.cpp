@@ -42,7 +42,14 @@ QString sporPrefiks(Kontekst& k)
                              vb::dagensDatoTekst() + QLatin1Char('_'));
 }
 
-QString utFil(const Kontekst& k, const QString& navn) { return k.sti(UtMappe) + QLatin1Char('/') + navn; }
+QString utFil(const Kontekst& k, const QString& navn)
+{
+    static const QString Ulovlige = QStringLiteral("\\/:*?\"<>|");
+    for (const QChar c : navn)
+        if (c.unicode() < 0x20 || Ulovlige.contains(c))
+            throw vb::Feil(QStringLiteral("Ugyldig filnavn: %1").arg(navn).toStdString());
+    return k.sti(UtMappe) + QLatin1Char('/') + navn;
+}
 
 vb::Dato dataStart(Kontekst& k)
 {
@@ -54,6 +61,22 @@ vb::Dato dataStart(Kontekst& k)
 QString fremdrift(long long rad, int syklus)
 {
     return vb::antallTekst(rad) + QStringLiteral(" (Run ") + QString::number(syklus) + QLatin1Char(')');
+}
+
+Fremdrift::Fremdrift(ui::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) { klokke_.start(); }
+
+Fremdrift::~Fremdrift()
+{
+    if (rad_ >= 0) vindu_.settLabel4(fremdrift(rad_, syklus_));
+}
+
+void Fremdrift::rad(long long rad)
+{
+    rad_ = rad;
+    if (klokke_.elapsed() < 50) return;
+    vindu_.settLabel4(fremdrift(rad_, syklus_));
+    vindu_.behandleHendelser();
+    klokke_.restart();
 }
 
 double startForskyvning(const vb::Dato& start, const vb::Dato& t)

@@ -5,6 +5,7 @@
 
 #include "platform/Kontekst.h"
 
+#include <QElapsedTimer>
 #include <QStringList>
 #include <optional>
 
@@ -12,6 +13,9 @@ namespace eksport {
 
 inline const QString SnuPunktFil = QStringLiteral("SnuPunkter.txt");
 inline const QString UtMappe = QStringLiteral("Data_Bearbeidet");
+inline const QString MalSykluser = QStringLiteral("Mal_Sykluser.xlsx");
+inline const QString MalAdsorpsjon = QStringLiteral("Mal_Alle_Adsorpsjon.xlsm");
+inline const QString MalDesorpsjon = QStringLiteral("Mal_Alle_Desorpsjon.xlsm");
 inline const QString FeilMelding =
     QStringLiteral("Det har oppstått en feil. Sjekk at du har oppgitt gyldige intervaller og tidspunkt.");
 
@@ -37,7 +41,11 @@ QString antallRun(const ui::Vindu& vindu);
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
 QString sporPrefiks(Kontekst& k);
 
-// Full path of a file in the output folder.
+// The combined template of the current adsorption/desorption choice.
+inline const QString& samleMal(const ui::Vindu& vindu) { return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon; }
+
+// Full path of a file in the output folder. vb::Feil when the name holds a character that a
+// file name cannot hold on any of the systems the lab uses (\ / : * ? " < > | or a control character).
 QString utFil(const Kontekst& k, const QString& navn);
 
 // DatoTid of the first measurement row; vb::Feil when the table is empty.
@@ -45,6 +53,25 @@ vb::Dato dataStart(Kontekst& k);
 
 // "# ### ###" count + " (Run " + cycle + ")", the progress text in Label4.
 QString fremdrift(long long rad, int syklus);
+
+// Progress of a written cycle in Label4. Writing a row is far quicker than repainting the
+// window, so the label is set and pending events run at most every 50 ms; when the cycle's
+// writing ends (also through an error) the label shows the exact text of the last row.
+class Fremdrift {
+public:
+    Fremdrift(ui::Vindu& vindu, int syklus);
+    ~Fremdrift();
+    Fremdrift(const Fremdrift&) = delete;
+    Fremdrift& operator=(const Fremdrift&) = delete;
+    // After each written row, with the row counter already moved on.
+    void rad(long long rad);
+
+private:
+    ui::Vindu& vindu_;
+    int syklus_;
+    long long rad_ = -1;
+    QElapsedTimer klokke_;
+};
 
 // Minutes from the data start to t as a fraction: whole seconds / 60.
 double startForskyvning(const vb::Dato& start, const vb::Dato& t);

@@ -1,0 +1,93 @@
+#include "export/Enkeltgraf.h"
+
+#include "export/Eksport.h"
+#include "files/Tekstfil.h"
+#include "platform/xlsx/Arbeidsbok.h"
+
+#include <array>
+
+namespace eksport {
+
+namespace {
+
+// The measured values that go to columns C to K of the sheet, in that order.
+constexpr std::array<const char*, 9> Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K"};
+
+QString vinduSporring(const vb::Dato& fra, const vb::Dato& til)
+{
+    return QStringLiteral("Select * from Datalinjer where format(DatoTid, 'YYYYMMDDHHNNSS') > '") + fra.tidsnokkel() +
+           QStringLiteral("' and format(DatoTid, 'YYYYMMDDHHNNSS') <= '") + til.tidsnokkel() +
+           QStringLiteral("' order by ID");
+}
+
+} // namespace
+
+void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
+                  const vb::Dato& StartTid)
+{
+    const QString mal = k.sti(MalSykluser);
+    if (!filer::FilFinnes(mal)) {
+        k.dialogs.info(QStringLiteral("Du mangler malfila"));
+        return;
+    }
+    const auto bok = xlsx::apne(mal);
+    xlsx::Arbeidsark& data = bok->ark(1);
+
+    const double forskyvning = startForskyvning(StartTid, Poster.dato("DatoTid"));
+    data.settCelle(1, 15, forskyvning);
+    const double akseStart = vb::rundHalvTilPar(forskyvning);
+
+    std::array<int, Verdikolonner.size()> felt{};
+    for (size_t i = 0; i < felt.size(); ++i) felt[i] = Poster.kolonne(Verdikolonner[i]);
+    const int tidTekst = Poster.kolonne("DatoTid_Tekst");
+    {
+        Fremdrift fremdrift(k.vindu, SyklusNr);
+        for (int16_t rad = 2; !Poster.eof(); Poster.moveNext()) {
+            data.settCelle(rad, 1, Poster.erNull(tidTekst) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tekst("DatoTid_Tekst")});
+            for (size_t i = 0; i < felt.size(); ++i)
+                data.settCelle(rad, 3 + static_cast<int>(i),
+                               Poster.erNull(felt[i]) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tall(felt[i])});
+            rad = vb::pluss16(rad);
+            fremdrift.rad(rad);
+        }
+    }
+
+    xlsx::Arbeidsark& grafer = bok->ark(2);
+    grafer.diagram(1).settKategoriMinimum(akseStart);
+    grafer.diagram(2).settKategoriMinimum(akseStart);
+    bok->lagreSom(utFil(k, Filnavn + QLatin1Char('_') + QString::number(SyklusNr) + QStringLiteral(".xlsx")));
+}
+
+Utfall Command3_Click(Kontekst& k)
+{
+    try {
+        const auto snupunkter = forberedEksport(k);
+        if (!snupunkter) return Utfall::Avvist;
+        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage excel-filer for ") + antallRun(k.vindu) +
+                                 QStringLiteral(" run?")))
+            return Utfall::Ferdig;
+        const QString prefiks = sporPrefiks(k);
+        if (prefiks.isEmpty()) return Utfall::Ferdig;
+        {
+            ui::Opptatt opptatt(k.vindu);
+            const vb::Dato start = dataStart(k);
+            k.vindu.behandleHendelser();
+            const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+            for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
+                const vb::Dato snupunkt = snupunkter->syklus(syklus);
+                const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.tekst(ui::Boks::Text1)));
+                const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
+                if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
+                auto poster = k.tilkobling.spor(vinduSporring(fra, til));
+                if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start);
+            }
+        }
+        k.dialogs.info(QStringLiteral("Eksporten er ferdig!"));
+        return Utfall::Ferdig;
+    } catch (const std::exception&) {
+        k.dialogs.info(FeilMelding);
+        return Utfall::Avvist;
+    }
+}
+
+} // namespace eksport

@@ -1,0 +1,155 @@
+#include "export/Integrering.h"
+
+#include "export/Eksport.h"
+#include "files/Tekstfil.h"
+#include "platform/xlsx/Arbeidsbok.h"
+
+namespace eksport {
+
+namespace {
+
+const QString MalEnkel = QStringLiteral("Mal_Integrering_desorpsjon_Enkel.xlsx");
+const QString MalAlle = QStringLiteral("Mal_desorpsjon_areal_alle.xlsx");
+constexpr int KolonneA = 1, KolonneB = 2, KolonneC = 3, KolonneE = 5, KolonneK = 11, KolonneL = 12;
+constexpr int SisteRad = 2999;
+
+// The CO2 value of the current row as stored: a number, or empty.
+xlsx::Verdi co2(const db::Recordset& poster)
+{
+    const int f = poster.kolonne("F");
+    return poster.erNull(f) ? xlsx::Verdi{} : xlsx::Verdi{poster.tall(f)};
+}
+
+void skrivRad(xlsx::Arbeidsark& ark, int n, const db::Recordset& poster)
+{
+    ark.settCelle(n, KolonneA, poster.tekst("DatoTid_Tekst"));
+    ark.settCelle(n, KolonneC, co2(poster));
+}
+
+QString tall(int n) { return QString::number(n); }
+
+// A cell whose text is empty: no value, or an empty text.
+bool harTekst(const xlsx::Verdi& v)
+{
+    const auto* tekst = std::get_if<QString>(&v);
+    return !std::holds_alternative<std::monostate>(v) && !(tekst && tekst->isEmpty());
+}
+
+// Rows from a up to b, both included, in file order.
+db::Recordset vindu(Kontekst& k, const vb::Dato& a, const vb::Dato& b)
+{
+    return k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where format(DatoTid, 'YYYYMMDDHHNNSS') >= '") +
+                             a.tidsnokkel() + QStringLiteral("' and format(DatoTid, 'YYYYMMDDHHNNSS') <= '") +
+                             b.tidsnokkel() + QStringLiteral("' order by ID"));
+}
+
+int16_t minutter(Kontekst& k, const QString& sporsmal)
+{
+    return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("Minutter"), QStringLiteral("25")));
+}
+
+} // namespace
+
+void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus)
+{
+    if (!filer::FilFinnes(k.sti(MalEnkel))) {
+        k.dialogs.info(QStringLiteral("Du mangler malfila for enkeltsyklusene"));
+        return;
+    }
+    if (SyklusNr == 1 && !filer::FilFinnes(k.sti(MalAlle))) {
+        k.dialogs.info(QStringLiteral("Du mangler malfila for alle"));
+        return;
+    }
+    auto integrering = xlsx::apne(k.sti(MalEnkel));
+    xlsx::Arbeidsark& ark = integrering->ark(1);
+    auto samle = xlsx::apne(k.sti(MalAlle));
+    xlsx::Arbeidsark& samleark = samle->ark(1);
+
+    if (SyklusNr == 1)
+        for (int r = 2; harTekst(samleark.celle(r, KolonneB)); ++r) samleark.settCelle(r, KolonneB, xlsx::Verdi{});
+
+    Fremdrift fremdrift(k.vindu, SyklusNr);
+    int16_t rad = 3;
+    ark.settCelle(2, KolonneK, startForskyvning(StartTid, PosterFor.dato("DatoTid")));
+
+    float startniva = 0.0f;
+    for (; !PosterFor.eof(); PosterFor.moveNext()) {
+        const int n = rad;
+        skrivRad(ark, n, PosterFor);
+        if (n == 3) {
+            ark.settFormel(QStringLiteral("F3"), QStringLiteral("= abs((D3-D3)/2)"));
+            if (PosterFor.erNull("F"))
+                throw vb::Feil(QStringLiteral("Syklus %1 har ingen CO2-verdi i første rad (startnivået)")
+                                   .arg(SyklusNr)
+                                   .toStdString());
+            startniva = vb::enkel(PosterFor.tall("F"));
+        } else {
+            ark.settFormel(QLatin1Char('F') + tall(n),
+                           QStringLiteral("= abs((D") + tall(n) + QStringLiteral("-D") + tall(n - 1) + QStringLiteral(")/2)"));
+        }
+        rad = vb::pluss16(rad);
+        fremdrift.rad(rad);
+    }
+    for (; !PosterEtter.eof(); PosterEtter.moveNext()) {
+        const int n = rad;
+        skrivRad(ark, n, PosterEtter);
+        ark.settFormel(QLatin1Char('F') + tall(n),
+                       QStringLiteral("= abs((D") + tall(n) + QStringLiteral(" -D") + tall(n + 1) + QStringLiteral(")/2)"));
+        rad = vb::pluss16(rad);
+        fremdrift.rad(rad);
+        // An empty value never cuts.
+        if (!PosterEtter.erNull("F") && PosterEtter.tall("F") < static_cast<double>(startniva)) {
+            ark.settCelle(n, KolonneE, 0.0);
+            break;
+        }
+    }
+    ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
+    samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
+    for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
+
+    if (SyklusNr < SisteSyklus) {
+        samle->lagre();  // the template itself carries the areas on to the next cycle
+    } else {
+        samle->lagreSom(utFil(k, Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx")));
+    }
+    samle.reset();
+    integrering->lagreSom(utFil(k, Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx")));
+}
+
+Utfall Command12_Click(Kontekst& k)
+{
+    try {
+        const auto liste = forberedEksport(k);
+        if (!liste) return Utfall::Avvist;
+        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage excel-filer for ") + antallRun(k.vindu) +
+                                 QStringLiteral(" run?")))
+            return Utfall::Ferdig;
+        const QString prefiks = sporPrefiks(k);
+        if (prefiks.isEmpty()) return Utfall::Ferdig;
+
+        const ui::Opptatt opptatt(k.vindu);
+        const vb::Dato start = dataStart(k);
+        const int16_t foer = minutter(k, QStringLiteral("Angi antall minutter før"));
+        const int16_t etter = minutter(k, QStringLiteral("Angi antall minutter etter"));
+        k.vindu.behandleHendelser();
+
+        const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+        for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
+            if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
+            const vb::Dato snupunkt = liste->syklus(syklus);
+            auto posterFor = vindu(k, snupunkt.leggTilMinutter(-foer), snupunkt);
+            auto posterEtter = vindu(k, snupunkt, snupunkt.leggTilMinutter(etter));
+            if (!posterFor.eof())
+                LagIntegreringsfil(k, prefiks, posterFor, posterEtter, syklus, start,
+                                   vb::heltall16(k.vindu.tekst(ui::Boks::Text6)));
+        }
+    } catch (const std::exception& e) {
+        k.dialogs.info(FeilMelding + QStringLiteral("\n\n") + QString::fromStdString(e.what()));
+        return Utfall::Avvist;
+    }
+    k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
+    return Utfall::Ferdig;
+}
+
+} // namespace eksport

@@ -1,0 +1,18 @@
+// "10. Redigert CO2 kolonne": for every chosen cycle the CO2 column (F) around the
+// turning point goes into an integration workbook, cut after the turning point where
+// the value falls below its start level; the cycle area that the workbook computes
+// in L17 is collected, one row per cycle, in the area summary.
+#pragma once
+
+#include "platform/Kontekst.h"
+
+namespace eksport {
+
+Utfall Command12_Click(Kontekst& k);
+
+// Writes and saves the integration workbook of one cycle and enters its area into the
+// summary. PosterFor is on its first row; PosterEtter on its first row or at its end.
+void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus);
+
+} // namespace eksport

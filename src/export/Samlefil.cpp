@@ -1,0 +1,123 @@
+#include "export/Samlefil.h"
+
+#include "export/Eksport.h"
+#include "files/Tekstfil.h"
+#include "platform/xlsx/Arbeidsbok.h"
+#include "store/Maledata.h"
+
+namespace eksport {
+
+namespace {
+
+constexpr int SisteRad = 2000;
+
+QString tidsvilkar(const char* op, const vb::Dato& t)
+{
+    return QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS') ") + QLatin1String(op) + QStringLiteral(" '") +
+           t.tidsnokkel() + QLatin1Char('\'');
+}
+
+// DatoTid of the first row holding the largest value of the column strictly between a and b.
+vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const vb::Dato& b)
+{
+    const QString mellom = tidsvilkar(">", a) + QStringLiteral(" and ") + tidsvilkar("<", b);
+    auto poster = k.tilkobling.spor(QStringLiteral("Select DatoTid from Datalinjer where ") + kolonne +
+                                    QStringLiteral(" = (Select max(") + kolonne +
+                                    QStringLiteral(") from DataLinjer where ") + mellom + QStringLiteral(") and ") +
+                                    mellom);
+    if (poster.eof()) throw vb::Feil("Ingen rad med største verdi i intervallet");
+    return poster.dato("DatoTid");
+}
+
+QString kolonneBokstav(const Kontekst& k) { return filer::HentKode(k.vindu.kolonneTekst()); }
+
+} // namespace
+
+vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Minutter)
+{
+    return maksTid(k, Kolonne, SnuPunkt.leggTilMinutter(-30), SnuPunkt).leggTilMinutter(-Minutter);
+}
+
+vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Periode)
+{
+    const vb::Dato m1 = maksTid(k, Kolonne, SnuPunkt.leggTilMinutter(-30), SnuPunkt);
+    return maksTid(k, Kolonne, m1.leggTilMinutter(60), m1.leggTilMinutter(Periode)).leggTilMinutter(-10);
+}
+
+Utfall Command5_Click(Kontekst& k)
+{
+    try {
+        const auto liste = forberedEksport(k);
+        if (!liste) return Utfall::Avvist;
+        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage en samlefil for ") + antallRun(k.vindu) +
+                                 QStringLiteral(" run?")))
+            return Utfall::Ferdig;
+        const QString mal = k.sti(samleMal(k.vindu));
+        if (!filer::FilFinnes(mal)) {
+            k.dialogs.info(QStringLiteral("Du mangler malfila"));
+            return Utfall::Avvist;
+        }
+        const QString prefiks = sporPrefiks(k);
+        if (prefiks.isEmpty()) return Utfall::Ferdig;
+
+        auto bok = xlsx::apne(mal);
+        xlsx::Arbeidsark& ark = bok->ark(1);
+        const ui::Opptatt opptatt(k.vindu);
+        if (k.tilkobling.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)"))
+                .eof()) {
+            k.dialogs.info(QStringLiteral("Finnes det data i tabellen?"));
+            return Utfall::Avvist;
+        }
+        int16_t periode = 0;
+        if (!k.vindu.adsorpsjon())
+            periode = vb::heltall16(k.dialogs.inndata(
+                QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
+                QStringLiteral("Periode"), QStringLiteral("140")));
+
+        const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+        for (int16_t syklus = 1; syklus <= siste;) {
+            const vb::Dato snupunkt = liste->syklus(syklus);
+            vb::Dato null, slutt;
+            if (k.vindu.adsorpsjon()) {
+                null = FinnNullpunktAdsorpsjon(k, snupunkt, kolonneBokstav(k), vb::heltall16(k.vindu.tekst(ui::Boks::Text1)));
+                slutt = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
+            } else {
+                null = FinnNullpunktDesorpsjon(k, snupunkt, kolonneBokstav(k), periode);
+                slutt = null.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
+            }
+            if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) <= syklus) {
+                auto poster = k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ") + tidsvilkar(">=", null) +
+                                                QStringLiteral(" and ") + tidsvilkar("<=", slutt) +
+                                                QStringLiteral(" order by ID"));
+                if (!poster.eof()) {
+                    const int kolonne = syklus + 2;
+                    float rad = 2.0f;
+                    {
+                        Fremdrift fremdrift(k.vindu, syklus);
+                        for (; !poster.eof(); poster.moveNext()) {
+                            const int n = static_cast<int>(rad);
+                            if (syklus == 1) ark.settCelle(n, 1, poster.tekst("DatoTid_Tekst"));
+                            ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(kolonneBokstav(k), poster)));
+                            rad += 1.0f;
+                            fremdrift.rad(static_cast<long long>(rad));
+                        }
+                    }
+                    for (int n = static_cast<int>(rad); n <= SisteRad; ++n) ark.tomCelle(n, kolonne);
+                }
+            }
+            if (vb::tall(k.vindu.tekst(ui::Boks::Text6)) == syklus) {
+                bok->lagreSom(utFil(k, prefiks + QStringLiteral("_Samlefil.xlsm")));
+                bok.reset();
+                break;
+            }
+            syklus = vb::pluss16(syklus);
+        }
+    } catch (const std::exception&) {
+        k.dialogs.info(FeilMelding);
+        return Utfall::Avvist;
+    }
+    k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
+    return Utfall::Ferdig;
+}
+
+} // namespace eksport

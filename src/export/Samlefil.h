@@ -1,0 +1,19 @@
+// "7.  Lag samlegraf": all chosen cycles side by side in one workbook, each
+// column starting at the cycle's zero point, so that the template's chart lays
+// the cycles over each other.
+#pragma once
+
+#include "platform/Kontekst.h"
+
+namespace eksport {
+
+Utfall Command5_Click(Kontekst& k);
+
+// The time of the largest value of column Kolonne strictly inside the minute window
+// around the turning point, less Minutter minutes; vb::Feil when the window has no row.
+vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Minutter);
+// M1 = time of the maximum in the 30 minutes before the turning point; M2 = time of the
+// maximum between M1 + 60 minutes and M1 + Periode minutes; returns M2 less 10 minutes.
+vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Periode);
+
+} // namespace eksport
