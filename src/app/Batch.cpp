@@ -5,6 +5,7 @@
 #include "platform/dialogs/SkriptDialogs.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -70,10 +71,20 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
     return Utfall::Ferdig;
 }
 
+Utfall import(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const bool nei = a.flagg(QStringLiteral("--no"));
+    d.svar(QFileInfo(a.posisjon(QStringLiteral("FILE"))).absoluteFilePath());
+    a.ferdig();
+    d.svar(nei ? ui::Svar::Nei : ui::Svar::Ja);
+    return f.Command2_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
         {QStringLiteral("status"), status},
+        {QStringLiteral("import"), import},
     };
     return alle;
 }

@@ -2,6 +2,7 @@
 
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
+#include "store/Import.h"
 #include "store/Maledata.h"
 
 #include <QApplication>
@@ -153,7 +154,8 @@ void Form1::byggKontroller()
 
     koble(Command1, &Form1::Command1_Click);
     koble(Command10, &Form1::Command10_Click);
-    (void)Command2, (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
+    koble(Command2, &Form1::Command2_Click);
+    (void)Command3, (void)Command4, (void)Command5, (void)Command7, (void)Command8,
         (void)Command9;
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
@@ -237,6 +239,8 @@ Utfall Form1::Command1_Click()
     QCoreApplication::quit();
     return lagret ? Utfall::Ferdig : Utfall::Avvist;
 }
+
+Utfall Form1::Command2_Click() { return kjor(store::Command2_Click); }
 
 Utfall Form1::Command10_Click()
 {

@@ -25,6 +25,7 @@ public:
 
     // The command buttons; each returns how its command ended (for tolvik-batch).
     Utfall Command1_Click();   // &Exit
+    Utfall Command2_Click();   // 1.  &Velg og importer fil
     Utfall Command10_Click();  // Om programmet
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.

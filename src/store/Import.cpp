@@ -1,0 +1,399 @@
+#include "store/Import.h"
+
+#include "files/Oppsett.h"
+#include "files/Tekstfil.h"
+#include "store/Maledata.h"
+
+#include <QFile>
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <sqlite3.h>
+#include <string>
+#include <vector>
+
+namespace store {
+
+namespace {
+
+using Klokke = std::chrono::steady_clock;
+constexpr auto Fremdriftsintervall = std::chrono::milliseconds(50);
+constexpr int MaksOverskriftsfelt = 29;  // one column letter each, A to Å
+constexpr size_t VisteHopp = 10;
+
+const QString Uendret = QStringLiteral(" Ingenting er importert, og databasen er uendret.");
+
+QString tekst(const std::exception& e) { return QString::fromStdString(e.what()); }
+
+// A first pass over the file, before anything is changed: its line count (as TellLinjer
+// counts) and what the command needs to know to refuse a file that cannot be imported.
+struct Oversikt {
+    int32_t linjer = 0;
+    int32_t overskriftLinje = 0;  // 0: the file holds no non-empty line
+    qsizetype overskriftFelt = 0;
+    bool harData = false;
+    int32_t nullLinje = 0;  // first line holding a NUL character: no text file
+};
+
+Oversikt sePaa(const QString& fil)
+{
+    filer::Linjeleser leser(fil);
+    Oversikt o;
+    for (std::string_view linje; leser.neste(linje);) {
+        ++o.linjer;
+        if (o.nullLinje == 0 && linje.find('\0') != std::string_view::npos) o.nullLinje = o.linjer;
+        if (linje.empty()) continue;
+        if (o.overskriftLinje == 0) {
+            o.overskriftLinje = o.linjer;
+            o.overskriftFelt = std::count(linje.begin(), linje.end(), ',') + 1;
+        } else {
+            o.harData = true;
+        }
+    }
+    return o;
+}
+
+std::optional<QString> innvending(const Oversikt& o, const QString& fil)
+{
+    if (o.nullLinje > 0)
+        return QStringLiteral("Fila %1 er ikke en tekstfil: linje %2 inneholder nulltegn.").arg(fil).arg(o.nullLinje);
+    if (o.overskriftLinje == 0) return QStringLiteral("Fila %1 er tom (%2 linjer uten tekst).").arg(fil).arg(o.linjer);
+    if (o.overskriftFelt > MaksOverskriftsfelt)
+        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har %3 felt, men bare %4 felt kan få en "
+                              "kolonnebokstav (A til Å).")
+            .arg(o.overskriftLinje)
+            .arg(fil)
+            .arg(o.overskriftFelt)
+            .arg(MaksOverskriftsfelt);
+    if (!o.harData)
+        return QStringLiteral("Fila %1 har bare overskriftslinja (linje %2) og ingen datalinjer.")
+            .arg(fil)
+            .arg(o.overskriftLinje);
+    return std::nullopt;
+}
+
+// Replaces Data.mdb by an empty copy of Template.mdb and opens the connection on it.
+// The copy is made and tried beside Data.mdb and then renamed over it in one step, so
+// Data.mdb is at every moment either the old database or the new empty one. On failure
+// the old database stays and is opened again; the result is the reason.
+std::optional<QString> erstattDatabase(Kontekst& k)
+{
+    const QString mal = k.sti(MalFil);
+    const QString data = k.sti(DataFil);
+    const QString ny = data + QStringLiteral(".import");
+    if (!filer::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal);
+    QFile::remove(ny);
+    QFile kopi(mal);
+    if (!kopi.copy(ny))
+        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString());
+    QFile::setPermissions(ny, QFile::permissions(ny) | QFileDevice::WriteOwner);
+    try {
+        db::Database tom(ny);
+        tom.utfor(QStringLiteral("Delete from Datalinjer"));
+    } catch (const db::DbFeil& e) {
+        QFile::remove(ny);
+        return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, tekst(e));
+    }
+    k.tilkobling.lukk();
+    std::error_code feil;
+    std::filesystem::rename(QFile::encodeName(ny).toStdString(), QFile::encodeName(data).toStdString(), feil);
+    if (feil) {
+        QFile::remove(ny);
+        try {
+            k.tilkobling.aapne(data);
+        } catch (const db::DbFeil&) {
+            // it could not be opened before the import either; the start-up message said so
+        }
+        return QStringLiteral("Kan ikke erstatte databasen %1: %2.").arg(data, QString::fromLocal8Bit(feil.message()));
+    }
+    try {
+        k.tilkobling.aapne(data);
+    } catch (const db::DbFeil& e) {
+        return tekst(e) + QLatin1Char('.');
+    }
+    return std::nullopt;
+}
+
+bool siffer(char c) { return c >= '0' && c <= '9'; }
+int tosiffer(std::string_view s, size_t p) { return (s[p] - '0') * 10 + (s[p + 1] - '0'); }
+
+// DatoTid of a cleaned data line as the store keeps it, "YYYY-MM-DD HH:MM:SS", from
+// characters 1 to 19 (year, month, day, time of day); false when they hold no valid date-time.
+bool lesDatoTid(std::string_view L, char (&iso)[19])
+{
+    if (L.size() < 19 || L[13] != ':' || L[16] != ':') return false;
+    for (size_t p : {0, 1, 2, 3, 5, 6, 8, 9, 11, 12, 14, 15, 17, 18})
+        if (!siffer(L[p])) return false;
+    if (!vb::Dato::gyldig(tosiffer(L, 0) * 100 + tosiffer(L, 2), tosiffer(L, 5), tosiffer(L, 8), tosiffer(L, 11),
+                          tosiffer(L, 14), tosiffer(L, 17)))
+        return false;
+    std::memcpy(iso, L.data(), sizeof iso);
+    iso[4] = iso[7] = '-';
+    iso[10] = ' ';
+    return true;
+}
+
+// The one prepared insert: DatoTid, DatoTid_Tekst and C to L, NULL where a line has no value.
+class Innsetting {
+public:
+    static constexpr int Verdier = 10;
+
+    explicit Innsetting(db::Database& d)
+        : db_(d), stmt_(d.forbered("INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L) "
+                                   "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"))
+    {
+    }
+    ~Innsetting() { sqlite3_finalize(stmt_); }
+    Innsetting(const Innsetting&) = delete;
+    Innsetting& operator=(const Innsetting&) = delete;
+
+    void settInn(std::string_view datoTid, std::string_view datoTekst, const double* verdier, int antall)
+    {
+        sqlite3_bind_text(stmt_, 1, datoTid.data(), static_cast<int>(datoTid.size()), SQLITE_STATIC);
+        sqlite3_bind_text(stmt_, 2, datoTekst.data(), static_cast<int>(datoTekst.size()), SQLITE_STATIC);
+        for (int i = 0; i < Verdier; ++i) {
+            if (i < antall)
+                sqlite3_bind_double(stmt_, 3 + i, verdier[i]);
+            else
+                sqlite3_bind_null(stmt_, 3 + i);
+        }
+        const int rc = sqlite3_step(stmt_);
+        sqlite3_reset(stmt_);
+        if (rc != SQLITE_DONE)
+            throw db::DbFeil(QStringLiteral("Databasen %1 avviste raden: %2")
+                                 .arg(db_.fil(), QString::fromUtf8(sqlite3_errmsg(db_.handle())))
+                                 .toStdString());
+    }
+
+private:
+    db::Database& db_;
+    sqlite3_stmt* stmt_;
+};
+
+// One run through the file: the header to Kolonner.txt, the data lines into the store.
+class Innlesing {
+public:
+    Innlesing(Kontekst& k, const QString& fil) : k_(k), fil_(fil) {}
+
+    // Reads the file to its end inside one transaction. Returns the reason when the import
+    // had to stop early; the rows read until then are kept. A program that is being ended
+    // keeps them too.
+    std::optional<QString> les(filer::Linjeleser& leser)
+    {
+        std::optional<QString> stopp;
+        db::Transaksjon transaksjon(k_.tilkobling);
+        {
+            Innsetting innsetting(k_.tilkobling);
+            try {
+                for (std::string_view raa; leser.neste(raa);) {
+                    ++linjeNr_;
+                    if (!raa.empty()) {
+                        behandle(raa, innsetting);
+                        ++behandlet_;
+                    }
+                    if ((linjeNr_ & 0xFF) == 0 && Klokke::now() >= nesteVisning_) visFremdrift();
+                }
+            } catch (const ui::Avbrutt&) {
+                try {
+                    transaksjon.fullfor();
+                } catch (const db::DbFeil&) {
+                    // the program is ending; the store keeps the database as it was before the transaction
+                }
+                throw;
+            } catch (const std::exception& e) {
+                stopp = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.").arg(linjeNr_).arg(fil_, tekst(e));
+            }
+        }
+        k_.vindu.settLabel4(vb::antallTekst(behandlet_));
+        try {
+            transaksjon.fullfor();
+        } catch (const db::DbFeil& e) {
+            return QStringLiteral("Radene fra fila %1 kunne ikke lagres: %2. Databasen er tom.").arg(fil_, tekst(e));
+        }
+        if (stopp) *stopp += QStringLiteral(" De %1 radene som var lest inn før, er lagret.").arg(lagret_);
+        return stopp;
+    }
+
+    int32_t linjer() const { return linjeNr_; }
+
+    // The notice about data lines left out for a date, time or number the store cannot take.
+    std::optional<QString> hoppetOver() const
+    {
+        if (hopp_.empty()) return std::nullopt;
+        QString t = QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
+                                   "ikke kan leses:")
+                        .arg(antallHopp_)
+                        .arg(fil_);
+        for (const QString& h : hopp_) t += QLatin1Char('\n') + h;
+        if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
+            t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
+        return t;
+    }
+
+private:
+    void visFremdrift()
+    {
+        k_.vindu.settLabel4(vb::antallTekst(behandlet_));
+        k_.vindu.behandleHendelser();
+        nesteVisning_ = Klokke::now() + Fremdriftsintervall;
+    }
+
+    // Double quotes removed, every "/" turned into ".", then split at every ",".
+    void rensOgDel(std::string_view raa)
+    {
+        linje_.resize(raa.size());
+        char* ut = linje_.data();
+        for (char c : raa)
+            if (c != '"') *ut++ = c == '/' ? '.' : c;
+        linje_.resize(static_cast<size_t>(ut - linje_.data()));
+        felt_.clear();
+        const std::string_view L(linje_);
+        size_t start = 0;
+        for (size_t komma; (komma = L.find(',', start)) != std::string_view::npos; start = komma + 1)
+            felt_.push_back(L.substr(start, komma - start));
+        felt_.push_back(L.substr(start));
+    }
+
+    void behandle(std::string_view raa, Innsetting& innsetting)
+    {
+        rensOgDel(raa);
+        if (behandlet_ == 0) return skrivKolonner();
+        if (felt_.size() < 4 || felt_.size() > 13) return;
+
+        const std::string_view L(linje_);
+        char iso[19];
+        if (L.substr(0, 22).find('\'') != std::string_view::npos)
+            return hopp(QStringLiteral("apostrof i dato og tid «%1»").arg(filer::latin1(L.substr(0, 22))));
+        if (!lesDatoTid(L, iso))
+            return hopp(QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(filer::latin1(L.substr(0, 19))));
+
+        const int antall = static_cast<int>(felt_.size()) - 3;
+        double verdier[Innsetting::Verdier];
+        for (int i = 0; i < antall; ++i) {
+            try {
+                verdier[i] = vb::valLagret(felt_[static_cast<size_t>(i) + 2]);
+            } catch (const vb::Feil&) {
+                return hopp(QStringLiteral("tallet «%1» er for stort").arg(filer::latin1(felt_[static_cast<size_t>(i) + 2])));
+            }
+        }
+        innsetting.settInn(std::string_view(iso, sizeof iso), datoTekst(L), verdier, antall);
+        ++lagret_;
+    }
+
+    // DatoTid_Tekst: characters 1 to 10 with "." back to "/", a blank, characters 11 to 22;
+    // stored as UTF-8 like any text of the program.
+    std::string_view datoTekst(std::string_view L)
+    {
+        tekst_.clear();
+        auto leggTil = [this](char c) {
+            const auto b = static_cast<unsigned char>(c);
+            if (b < 0x80) {
+                tekst_.push_back(c);
+            } else {
+                tekst_.push_back(static_cast<char>(0xC0 | (b >> 6)));
+                tekst_.push_back(static_cast<char>(0x80 | (b & 0x3F)));
+            }
+        };
+        for (char c : L.substr(0, 10)) leggTil(c == '.' ? '/' : c);
+        leggTil(' ');
+        for (char c : L.substr(10, 12)) leggTil(c);
+        return tekst_;
+    }
+
+    void hopp(const QString& grunn)
+    {
+        ++antallHopp_;
+        if (hopp_.size() < VisteHopp) hopp_.push_back(QStringLiteral("linje %1: ").arg(linjeNr_) + grunn);
+    }
+
+    // Field 3 always gets its line (replacing the file); later fields only when named.
+    void skrivKolonner()
+    {
+        const QString fil = k_.sti(filer::KolonnerFil);
+        for (size_t i = 2; i < felt_.size(); ++i) {
+            const QString navn = filer::latin1(felt_[i]);
+            const QString linje = filer::kolonneLinje(navn, filer::kolonneBokstav(static_cast<int>(i) + 1));
+            if (i == 2)
+                filer::SkrivTilFil(fil, linje);
+            else if (!navn.isEmpty())
+                filer::SkrivTilFilAppend(fil, linje);
+        }
+    }
+
+    Kontekst& k_;
+    const QString fil_;
+    int32_t linjeNr_ = 0;     // every line, empty ones included
+    int64_t behandlet_ = 0;   // non-empty lines, header included
+    int64_t lagret_ = 0;
+    int64_t antallHopp_ = 0;
+    std::vector<QString> hopp_;
+    Klokke::time_point nesteVisning_ = Klokke::now() + Fremdriftsintervall;
+    std::string linje_;
+    std::vector<std::string_view> felt_;
+    std::string tekst_;
+};
+
+Utfall avvis(Kontekst& k, const QString& grunn)
+{
+    k.dialogs.info(grunn);
+    return Utfall::Avvist;
+}
+
+} // namespace
+
+Utfall Command2_Click(Kontekst& k)
+{
+    const QString fil = k.dialogs.velgFil(CsvFilter);
+    k.vindu.behandleHendelser();
+    if (fil.isEmpty()) {
+        VisAntallPoster(k);
+        return Utfall::Ferdig;
+    }
+
+    std::optional<ui::Opptatt> opptatt(std::in_place, k.vindu);
+    std::optional<QString> nei;
+    Oversikt oversikt;
+    try {
+        oversikt = sePaa(fil);
+        nei = innvending(oversikt, fil);
+    } catch (const filer::FilFeil& e) {
+        nei = tekst(e) + QLatin1Char('.');
+    }
+    if (nei) {
+        opptatt.reset();
+        return avvis(k, *nei + Uendret);
+    }
+    if (!k.dialogs.sporJaNei(QStringLiteral("Fila ") + fil + QStringLiteral(" består av ") +
+                             vb::antallTekst(oversikt.linjer) + QStringLiteral(" linjer. Vil du starte importen?")))
+        return Utfall::Ferdig;
+
+    std::optional<filer::Linjeleser> leser;
+    try {
+        leser.emplace(fil);
+    } catch (const filer::FilFeil& e) {
+        nei = tekst(e) + QLatin1Char('.');
+    }
+    if (!nei) nei = erstattDatabase(k);
+    if (nei) {
+        opptatt.reset();
+        return avvis(k, *nei + Uendret);
+    }
+
+    Innlesing innlesing(k, fil);
+    const std::optional<QString> stopp = innlesing.les(*leser);
+    leser.reset();
+    opptatt.reset();
+
+    filer::LesKolonner(k);
+    if (stopp)
+        k.dialogs.info(*stopp);
+    else
+        k.dialogs.melding(QStringLiteral("Antall linjer importert: ") + vb::antallTekst(innlesing.linjer()));
+    if (auto hoppet = innlesing.hoppetOver()) k.dialogs.info(*hoppet);
+    VisAntallPoster(k);
+    return stopp ? Utfall::Avvist : Utfall::Ferdig;
+}
+
+} // namespace store
