@@ -6,12 +6,14 @@
 
 #include <QFile>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <optional>
 #include <sqlite3.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace store {
@@ -135,41 +137,82 @@ bool lesDatoTid(std::string_view L, char (&iso)[19])
     return true;
 }
 
-// The one prepared insert: DatoTid, DatoTid_Tekst and C to L, NULL where a line has no value.
+// The prepared inserts: DatoTid, DatoTid_Tekst and C to L, NULL where a line has no value.
+// Rows are gathered and sent Bunt at a time in one statement of as many rows, which
+// spares SQLite a statement run per row; what is left at the end goes one row at a time.
 class Innsetting {
 public:
     static constexpr int Verdier = 10;
+    static constexpr int Bunt = 50;  // 600 parameters, well below SQLite's 999
 
-    explicit Innsetting(db::Database& d)
-        : db_(d), stmt_(d.forbered("INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L) "
-                                   "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"))
+    struct Rad {
+        char datoTid[19];
+        std::string datoTekst;
+        double verdier[Verdier];
+        int antall = 0;
+    };
+
+    explicit Innsetting(db::Database& d) : db_(d), en_(forbered(d, 1)), bunt_(forbered(d, Bunt)) {}
+    ~Innsetting()
     {
+        sqlite3_finalize(en_);
+        sqlite3_finalize(bunt_);
     }
-    ~Innsetting() { sqlite3_finalize(stmt_); }
     Innsetting(const Innsetting&) = delete;
     Innsetting& operator=(const Innsetting&) = delete;
 
-    void settInn(std::string_view datoTid, std::string_view datoTekst, const double* verdier, int antall)
+    // The row to fill next; it is stored only after behold().
+    Rad& neste() { return rader_[static_cast<size_t>(ventende_)]; }
+    void behold()
     {
-        sqlite3_bind_text(stmt_, 1, datoTid.data(), static_cast<int>(datoTid.size()), SQLITE_STATIC);
-        sqlite3_bind_text(stmt_, 2, datoTekst.data(), static_cast<int>(datoTekst.size()), SQLITE_STATIC);
-        for (int i = 0; i < Verdier; ++i) {
-            if (i < antall)
-                sqlite3_bind_double(stmt_, 3 + i, verdier[i]);
-            else
-                sqlite3_bind_null(stmt_, 3 + i);
+        if (++ventende_ == Bunt) send(bunt_, 0, Bunt);
+    }
+    // Sends the rows still waiting.
+    void tom()
+    {
+        const int antall = std::exchange(ventende_, 0);
+        for (int i = 0; i < antall; ++i) send(en_, i, 1);
+    }
+    int64_t lagret() const { return lagret_; }
+
+private:
+    static sqlite3_stmt* forbered(db::Database& d, int rader)
+    {
+        std::string sql = "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L) VALUES ";
+        for (int i = 0; i < rader; ++i) sql += i ? ", (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)" : "(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+        return d.forbered(sql.c_str());
+    }
+
+    void send(sqlite3_stmt* stmt, int fra, int antall)
+    {
+        for (int r = 0; r < antall; ++r) {
+            const Rad& rad = rader_[static_cast<size_t>(fra + r)];
+            const int p = r * (Verdier + 2) + 1;
+            sqlite3_bind_text(stmt, p, rad.datoTid, sizeof rad.datoTid, SQLITE_STATIC);
+            sqlite3_bind_text(stmt, p + 1, rad.datoTekst.data(), static_cast<int>(rad.datoTekst.size()), SQLITE_STATIC);
+            for (int i = 0; i < Verdier; ++i) {
+                if (i < rad.antall)
+                    sqlite3_bind_double(stmt, p + 2 + i, rad.verdier[i]);
+                else
+                    sqlite3_bind_null(stmt, p + 2 + i);
+            }
         }
-        const int rc = sqlite3_step(stmt_);
-        sqlite3_reset(stmt_);
+        const int rc = sqlite3_step(stmt);
+        sqlite3_reset(stmt);
+        if (stmt == bunt_) ventende_ = 0;
         if (rc != SQLITE_DONE)
             throw db::DbFeil(QStringLiteral("Databasen %1 avviste raden: %2")
                                  .arg(db_.fil(), QString::fromUtf8(sqlite3_errmsg(db_.handle())))
                                  .toStdString());
+        lagret_ += antall;
     }
 
-private:
     db::Database& db_;
-    sqlite3_stmt* stmt_;
+    sqlite3_stmt* en_;
+    sqlite3_stmt* bunt_;
+    std::array<Rad, Bunt> rader_;
+    int ventende_ = 0;
+    int64_t lagret_ = 0;
 };
 
 // One run through the file: the header to Kolonner.txt, the data lines into the store.
@@ -195,8 +238,10 @@ public:
                     }
                     if ((linjeNr_ & 0xFF) == 0 && Klokke::now() >= nesteVisning_) visFremdrift();
                 }
+                innsetting.tom();
             } catch (const ui::Avbrutt&) {
                 try {
+                    innsetting.tom();
                     transaksjon.fullfor();
                 } catch (const db::DbFeil&) {
                     // the program is ending; the store keeps the database as it was before the transaction
@@ -204,7 +249,13 @@ public:
                 throw;
             } catch (const std::exception& e) {
                 stopp = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.").arg(linjeNr_).arg(fil_, tekst(e));
+                try {
+                    innsetting.tom();
+                } catch (const db::DbFeil&) {
+                    // the rows sent before stay; the message names the first failure
+                }
             }
+            lagret_ = innsetting.lagret();
         }
         k_.vindu.settLabel4(vb::antallTekst(behandlet_));
         try {
@@ -263,43 +314,42 @@ private:
         if (felt_.size() < 4 || felt_.size() > 13) return;
 
         const std::string_view L(linje_);
-        char iso[19];
+        Innsetting::Rad& rad = innsetting.neste();
         if (L.substr(0, 22).find('\'') != std::string_view::npos)
             return hopp(QStringLiteral("apostrof i dato og tid «%1»").arg(filer::latin1(L.substr(0, 22))));
-        if (!lesDatoTid(L, iso))
+        if (!lesDatoTid(L, rad.datoTid))
             return hopp(QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(filer::latin1(L.substr(0, 19))));
 
-        const int antall = static_cast<int>(felt_.size()) - 3;
-        double verdier[Innsetting::Verdier];
-        for (int i = 0; i < antall; ++i) {
+        rad.antall = static_cast<int>(felt_.size()) - 3;
+        for (int i = 0; i < rad.antall; ++i) {
+            const std::string_view felt = felt_[static_cast<size_t>(i) + 2];
             try {
-                verdier[i] = vb::valLagret(felt_[static_cast<size_t>(i) + 2]);
+                rad.verdier[i] = vb::valLagret(felt);
             } catch (const vb::Feil&) {
-                return hopp(QStringLiteral("tallet «%1» er for stort").arg(filer::latin1(felt_[static_cast<size_t>(i) + 2])));
+                return hopp(QStringLiteral("tallet «%1» er for stort").arg(filer::latin1(felt)));
             }
         }
-        innsetting.settInn(std::string_view(iso, sizeof iso), datoTekst(L), verdier, antall);
-        ++lagret_;
+        datoTekst(L, rad.datoTekst);
+        innsetting.behold();
     }
 
     // DatoTid_Tekst: characters 1 to 10 with "." back to "/", a blank, characters 11 to 22;
     // stored as UTF-8 like any text of the program.
-    std::string_view datoTekst(std::string_view L)
+    static void datoTekst(std::string_view L, std::string& ut)
     {
-        tekst_.clear();
-        auto leggTil = [this](char c) {
+        ut.clear();
+        auto leggTil = [&ut](char c) {
             const auto b = static_cast<unsigned char>(c);
             if (b < 0x80) {
-                tekst_.push_back(c);
+                ut.push_back(c);
             } else {
-                tekst_.push_back(static_cast<char>(0xC0 | (b >> 6)));
-                tekst_.push_back(static_cast<char>(0x80 | (b & 0x3F)));
+                ut.push_back(static_cast<char>(0xC0 | (b >> 6)));
+                ut.push_back(static_cast<char>(0x80 | (b & 0x3F)));
             }
         };
         for (char c : L.substr(0, 10)) leggTil(c == '.' ? '/' : c);
         leggTil(' ');
         for (char c : L.substr(10, 12)) leggTil(c);
-        return tekst_;
     }
 
     void hopp(const QString& grunn)
@@ -332,7 +382,6 @@ private:
     Klokke::time_point nesteVisning_ = Klokke::now() + Fremdriftsintervall;
     std::string linje_;
     std::vector<std::string_view> felt_;
-    std::string tekst_;
 };
 
 Utfall avvis(Kontekst& k, const QString& grunn)
