@@ -8,6 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
 #include <cstring>
 #include <filesystem>
 #include <optional>
@@ -23,7 +27,7 @@ namespace {
 using Klokke = std::chrono::steady_clock;
 constexpr auto Fremdriftsintervall = std::chrono::milliseconds(50);
 constexpr int MaksOverskriftsfelt = 29;  // one column letter each, A to Å
-constexpr size_t VisteHopp = 10;
+constexpr size_t VisteHopp = 10;  // skipped lines named in the notice
 
 const QString Uendret = QStringLiteral(" Ingenting er importert, og databasen er uendret.");
 
@@ -137,20 +141,42 @@ bool lesDatoTid(std::string_view L, char (&iso)[19])
     return true;
 }
 
+constexpr int Verdier = 10;  // value columns C to L
+
+// A measurement row ready for the store.
+struct Rad {
+    char datoTid[19];
+    char datoTekst[45];  // up to 22 characters, as UTF-8
+    int datoTekstLengde = 0;
+    int antall = 0;  // values in C and on; the rest stay NULL
+    double verdier[Verdier];
+};
+
+// DatoTid_Tekst: characters 1 to 10 with "." back to "/", a blank, characters 11 to 22.
+void lagDatoTekst(std::string_view L, Rad& rad)
+{
+    char* ut = rad.datoTekst;
+    auto leggTil = [&ut](char c) {
+        const auto b = static_cast<unsigned char>(c);
+        if (b < 0x80) {
+            *ut++ = c;
+        } else {
+            *ut++ = static_cast<char>(0xC0 | (b >> 6));
+            *ut++ = static_cast<char>(0x80 | (b & 0x3F));
+        }
+    };
+    for (char c : L.substr(0, 10)) leggTil(c == '.' ? '/' : c);
+    leggTil(' ');
+    for (char c : L.substr(10, 12)) leggTil(c);
+    rad.datoTekstLengde = static_cast<int>(ut - rad.datoTekst);
+}
+
 // The prepared inserts: DatoTid, DatoTid_Tekst and C to L, NULL where a line has no value.
 // Rows are gathered and sent Bunt at a time in one statement of as many rows, which
 // spares SQLite a statement run per row; what is left at the end goes one row at a time.
 class Innsetting {
 public:
-    static constexpr int Verdier = 10;
     static constexpr int Bunt = 50;  // 600 parameters, well below SQLite's 999
-
-    struct Rad {
-        char datoTid[19];
-        std::string datoTekst;
-        double verdier[Verdier];
-        int antall = 0;
-    };
 
     explicit Innsetting(db::Database& d) : db_(d), en_(forbered(d, 1)), bunt_(forbered(d, Bunt)) {}
     ~Innsetting()
@@ -161,11 +187,13 @@ public:
     Innsetting(const Innsetting&) = delete;
     Innsetting& operator=(const Innsetting&) = delete;
 
-    // The row to fill next; it is stored only after behold().
-    Rad& neste() { return rader_[static_cast<size_t>(ventende_)]; }
-    void behold()
+    void leggTil(const Rad& rad)
     {
-        if (++ventende_ == Bunt) send(bunt_, 0, Bunt);
+        rader_[static_cast<size_t>(ventende_)] = rad;
+        if (++ventende_ == Bunt) {
+            ventende_ = 0;
+            send(bunt_, 0, Bunt);
+        }
     }
     // Sends the rows still waiting.
     void tom()
@@ -189,7 +217,7 @@ private:
             const Rad& rad = rader_[static_cast<size_t>(fra + r)];
             const int p = r * (Verdier + 2) + 1;
             sqlite3_bind_text(stmt, p, rad.datoTid, sizeof rad.datoTid, SQLITE_STATIC);
-            sqlite3_bind_text(stmt, p + 1, rad.datoTekst.data(), static_cast<int>(rad.datoTekst.size()), SQLITE_STATIC);
+            sqlite3_bind_text(stmt, p + 1, rad.datoTekst, rad.datoTekstLengde, SQLITE_STATIC);
             for (int i = 0; i < Verdier; ++i) {
                 if (i < rad.antall)
                     sqlite3_bind_double(stmt, p + 2 + i, rad.verdier[i]);
@@ -199,7 +227,6 @@ private:
         }
         const int rc = sqlite3_step(stmt);
         sqlite3_reset(stmt);
-        if (stmt == bunt_) ventende_ = 0;
         if (rc != SQLITE_DONE)
             throw db::DbFeil(QStringLiteral("Databasen %1 avviste raden: %2")
                                  .arg(db_.fil(), QString::fromUtf8(sqlite3_errmsg(db_.handle())))
@@ -215,28 +242,221 @@ private:
     int64_t lagret_ = 0;
 };
 
+// A stretch of the file as the reader hands it over: the rows of its data lines and,
+// in the first one, the header's fields.
+struct Blokk {
+    static constexpr int Linjer = 1024;
+    std::array<Rad, Linjer> rader;
+    int antall = 0;
+    QStringList overskrift;  // cleaned header fields, in the stretch that holds the header
+    int32_t overskriftLinje = 0;
+    int32_t linjeNr = 0;     // lines read up to the end of this stretch, empty ones included
+    int64_t behandlet = 0;   // non-empty lines up to here, the header included
+    std::optional<QString> feil;  // reading stopped here
+    bool slutt = false;
+};
+
+// Reads and interprets the lines. It runs on a thread of its own so that the next lines
+// are ready while the store takes the last ones; it touches neither window nor store.
+class Tolker {
+public:
+    Tolker(filer::Linjeleser& leser, const QString& fil) : leser_(leser), fil_(fil) {}
+
+    void fyll(Blokk& b)
+    {
+        b.antall = 0;
+        b.overskrift.clear();
+        b.feil.reset();
+        b.slutt = false;
+        try {
+            for (int n = 0; n < Blokk::Linjer; ++n) {
+                std::string_view raa;
+                if (!leser_.neste(raa)) {
+                    b.slutt = true;
+                    break;
+                }
+                ++linjeNr_;
+                if (raa.empty()) continue;
+                rensOgDel(raa);
+                if (behandlet_++ == 0) {
+                    for (std::string_view f : felt_) b.overskrift << filer::latin1(f);
+                    b.overskriftLinje = linjeNr_;
+                } else if (felt_.size() >= 4 && felt_.size() <= 13 && tolk(b.rader[static_cast<size_t>(b.antall)])) {
+                    ++b.antall;
+                }
+            }
+        } catch (const filer::FilFeil& e) {
+            b.feil = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.").arg(linjeNr_ + 1).arg(fil_, tekst(e));
+        }
+        b.linjeNr = linjeNr_;
+        b.behandlet = behandlet_;
+    }
+
+    // The notice about data lines left out for a date, time or number the store cannot take.
+    std::optional<QString> hoppetOver() const
+    {
+        if (hopp_.empty()) return std::nullopt;
+        QString t = QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
+                                   "ikke kan leses:")
+                        .arg(antallHopp_)
+                        .arg(fil_);
+        for (const QString& h : hopp_) t += QLatin1Char('\n') + h;
+        if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
+            t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
+        return t;
+    }
+
+private:
+    // Double quotes removed, every "/" turned into ".", then split at every ",".
+    void rensOgDel(std::string_view raa)
+    {
+        linje_.resize(raa.size());
+        char* ut = linje_.data();
+        for (char c : raa)
+            if (c != '"') *ut++ = c == '/' ? '.' : c;
+        linje_.resize(static_cast<size_t>(ut - linje_.data()));
+        felt_.clear();
+        const std::string_view L(linje_);
+        size_t start = 0;
+        for (size_t komma; (komma = L.find(',', start)) != std::string_view::npos; start = komma + 1)
+            felt_.push_back(L.substr(start, komma - start));
+        felt_.push_back(L.substr(start));
+    }
+
+    // The row of a data line of 4 to 13 fields: false (and noted) when the store cannot take it.
+    bool tolk(Rad& rad)
+    {
+        const std::string_view L(linje_);
+        if (L.substr(0, 22).find('\'') != std::string_view::npos)
+            return hopp(QStringLiteral("apostrof i dato og tid «%1»").arg(filer::latin1(L.substr(0, 22))));
+        if (!lesDatoTid(L, rad.datoTid))
+            return hopp(QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(filer::latin1(L.substr(0, 19))));
+        rad.antall = static_cast<int>(felt_.size()) - 3;
+        for (int i = 0; i < rad.antall; ++i) {
+            const std::string_view felt = felt_[static_cast<size_t>(i) + 2];
+            try {
+                rad.verdier[i] = vb::valLagret(felt);
+            } catch (const vb::Feil&) {
+                return hopp(QStringLiteral("tallet «%1» er for stort").arg(filer::latin1(felt)));
+            }
+        }
+        lagDatoTekst(L, rad);
+        return true;
+    }
+
+    bool hopp(const QString& grunn)
+    {
+        ++antallHopp_;
+        if (hopp_.size() < VisteHopp) hopp_.push_back(QStringLiteral("linje %1: ").arg(linjeNr_) + grunn);
+        return false;
+    }
+
+    filer::Linjeleser& leser_;
+    const QString fil_;
+    int32_t linjeNr_ = 0;
+    int64_t behandlet_ = 0;
+    int64_t antallHopp_ = 0;
+    std::vector<QString> hopp_;
+    std::string linje_;
+    std::vector<std::string_view> felt_;
+};
+
+// The reader thread and the stretches passed between it and the command: the reader
+// fills free stretches, the command takes them in file order and gives them back.
+class Leseraad {
+public:
+    explicit Leseraad(Tolker& tolker) : tolker_(tolker)
+    {
+        for (auto& b : blokker_) ledige_.push_back(&b);
+        traad_ = std::thread([this] { kjor(); });
+    }
+    // Stops the reader (also half-way through the file) and waits for it.
+    ~Leseraad()
+    {
+        {
+            std::lock_guard laas(mutex_);
+            stopp_ = true;
+        }
+        endret_.notify_all();
+        traad_.join();
+    }
+    Leseraad(const Leseraad&) = delete;
+    Leseraad& operator=(const Leseraad&) = delete;
+
+    Blokk& neste()
+    {
+        std::unique_lock laas(mutex_);
+        endret_.wait(laas, [this] { return !fulle_.empty(); });
+        Blokk* b = fulle_.front();
+        fulle_.pop_front();
+        return *b;
+    }
+    void giTilbake(Blokk& b)
+    {
+        {
+            std::lock_guard laas(mutex_);
+            ledige_.push_back(&b);
+        }
+        endret_.notify_all();
+    }
+
+private:
+    void kjor()
+    {
+        for (;;) {
+            Blokk* b = nullptr;
+            {
+                std::unique_lock laas(mutex_);
+                endret_.wait(laas, [this] { return stopp_ || !ledige_.empty(); });
+                if (stopp_) return;
+                b = ledige_.front();
+                ledige_.pop_front();
+            }
+            tolker_.fyll(*b);
+            {
+                std::lock_guard laas(mutex_);
+                fulle_.push_back(b);
+            }
+            endret_.notify_all();
+            if (b->slutt || b->feil) return;
+        }
+    }
+
+    Tolker& tolker_;
+    std::vector<Blokk> blokker_ = std::vector<Blokk>(4);
+    std::deque<Blokk*> ledige_, fulle_;
+    std::mutex mutex_;
+    std::condition_variable endret_;
+    bool stopp_ = false;
+    std::thread traad_;
+};
+
 // One run through the file: the header to Kolonner.txt, the data lines into the store.
 class Innlesing {
 public:
-    Innlesing(Kontekst& k, const QString& fil) : k_(k), fil_(fil) {}
+    Innlesing(Kontekst& k, filer::Linjeleser& leser, const QString& fil) : k_(k), tolker_(leser, fil), fil_(fil) {}
 
     // Reads the file to its end inside one transaction. Returns the reason when the import
     // had to stop early; the rows read until then are kept. A program that is being ended
     // keeps them too.
-    std::optional<QString> les(filer::Linjeleser& leser)
+    std::optional<QString> les()
     {
         std::optional<QString> stopp;
         db::Transaksjon transaksjon(k_.tilkobling);
+        Innsetting innsetting(k_.tilkobling);
         {
-            Innsetting innsetting(k_.tilkobling);
+            Leseraad leser(tolker_);
             try {
-                for (std::string_view raa; leser.neste(raa);) {
-                    ++linjeNr_;
-                    if (!raa.empty()) {
-                        behandle(raa, innsetting);
-                        ++behandlet_;
-                    }
-                    if ((linjeNr_ & 0xFF) == 0 && Klokke::now() >= nesteVisning_) visFremdrift();
+                for (bool ferdig = false; !ferdig;) {
+                    Blokk& b = leser.neste();
+                    if (!b.overskrift.isEmpty()) skrivKolonner(b.overskrift, b.overskriftLinje);
+                    for (int i = 0; i < b.antall; ++i) innsetting.leggTil(b.rader[static_cast<size_t>(i)]);
+                    linjeNr_ = b.linjeNr;
+                    behandlet_ = b.behandlet;
+                    stopp = b.feil;
+                    ferdig = b.slutt || b.feil;
+                    leser.giTilbake(b);
+                    if (Klokke::now() >= nesteVisning_) visFremdrift();
                 }
                 innsetting.tom();
             } catch (const ui::Avbrutt&) {
@@ -255,7 +475,6 @@ public:
                     // the rows sent before stay; the message names the first failure
                 }
             }
-            lagret_ = innsetting.lagret();
         }
         k_.vindu.settLabel4(vb::antallTekst(behandlet_));
         try {
@@ -263,25 +482,13 @@ public:
         } catch (const db::DbFeil& e) {
             return QStringLiteral("Radene fra fila %1 kunne ikke lagres: %2. Databasen er tom.").arg(fil_, tekst(e));
         }
-        if (stopp) *stopp += QStringLiteral(" De %1 radene som var lest inn før, er lagret.").arg(lagret_);
+        if (stopp) *stopp += QStringLiteral(" De %1 radene som var lest inn før, er lagret.").arg(innsetting.lagret());
         return stopp;
     }
 
     int32_t linjer() const { return linjeNr_; }
-
-    // The notice about data lines left out for a date, time or number the store cannot take.
-    std::optional<QString> hoppetOver() const
-    {
-        if (hopp_.empty()) return std::nullopt;
-        QString t = QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
-                                   "ikke kan leses:")
-                        .arg(antallHopp_)
-                        .arg(fil_);
-        for (const QString& h : hopp_) t += QLatin1Char('\n') + h;
-        if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
-            t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
-        return t;
-    }
+    // Read once the reader has ended.
+    std::optional<QString> hoppetOver() const { return tolker_.hoppetOver(); }
 
 private:
     void visFremdrift()
@@ -291,97 +498,26 @@ private:
         nesteVisning_ = Klokke::now() + Fremdriftsintervall;
     }
 
-    // Double quotes removed, every "/" turned into ".", then split at every ",".
-    void rensOgDel(std::string_view raa)
-    {
-        linje_.resize(raa.size());
-        char* ut = linje_.data();
-        for (char c : raa)
-            if (c != '"') *ut++ = c == '/' ? '.' : c;
-        linje_.resize(static_cast<size_t>(ut - linje_.data()));
-        felt_.clear();
-        const std::string_view L(linje_);
-        size_t start = 0;
-        for (size_t komma; (komma = L.find(',', start)) != std::string_view::npos; start = komma + 1)
-            felt_.push_back(L.substr(start, komma - start));
-        felt_.push_back(L.substr(start));
-    }
-
-    void behandle(std::string_view raa, Innsetting& innsetting)
-    {
-        rensOgDel(raa);
-        if (behandlet_ == 0) return skrivKolonner();
-        if (felt_.size() < 4 || felt_.size() > 13) return;
-
-        const std::string_view L(linje_);
-        Innsetting::Rad& rad = innsetting.neste();
-        if (L.substr(0, 22).find('\'') != std::string_view::npos)
-            return hopp(QStringLiteral("apostrof i dato og tid «%1»").arg(filer::latin1(L.substr(0, 22))));
-        if (!lesDatoTid(L, rad.datoTid))
-            return hopp(QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(filer::latin1(L.substr(0, 19))));
-
-        rad.antall = static_cast<int>(felt_.size()) - 3;
-        for (int i = 0; i < rad.antall; ++i) {
-            const std::string_view felt = felt_[static_cast<size_t>(i) + 2];
-            try {
-                rad.verdier[i] = vb::valLagret(felt);
-            } catch (const vb::Feil&) {
-                return hopp(QStringLiteral("tallet «%1» er for stort").arg(filer::latin1(felt)));
-            }
-        }
-        datoTekst(L, rad.datoTekst);
-        innsetting.behold();
-    }
-
-    // DatoTid_Tekst: characters 1 to 10 with "." back to "/", a blank, characters 11 to 22;
-    // stored as UTF-8 like any text of the program.
-    static void datoTekst(std::string_view L, std::string& ut)
-    {
-        ut.clear();
-        auto leggTil = [&ut](char c) {
-            const auto b = static_cast<unsigned char>(c);
-            if (b < 0x80) {
-                ut.push_back(c);
-            } else {
-                ut.push_back(static_cast<char>(0xC0 | (b >> 6)));
-                ut.push_back(static_cast<char>(0x80 | (b & 0x3F)));
-            }
-        };
-        for (char c : L.substr(0, 10)) leggTil(c == '.' ? '/' : c);
-        leggTil(' ');
-        for (char c : L.substr(10, 12)) leggTil(c);
-    }
-
-    void hopp(const QString& grunn)
-    {
-        ++antallHopp_;
-        if (hopp_.size() < VisteHopp) hopp_.push_back(QStringLiteral("linje %1: ").arg(linjeNr_) + grunn);
-    }
-
     // Field 3 always gets its line (replacing the file); later fields only when named.
-    void skrivKolonner()
+    void skrivKolonner(const QStringList& felt, int32_t overskriftLinje)
     {
+        linjeNr_ = overskriftLinje;
         const QString fil = k_.sti(filer::KolonnerFil);
-        for (size_t i = 2; i < felt_.size(); ++i) {
-            const QString navn = filer::latin1(felt_[i]);
-            const QString linje = filer::kolonneLinje(navn, filer::kolonneBokstav(static_cast<int>(i) + 1));
+        for (qsizetype i = 2; i < felt.size(); ++i) {
+            const QString linje = filer::kolonneLinje(felt[i], filer::kolonneBokstav(static_cast<int>(i) + 1));
             if (i == 2)
                 filer::SkrivTilFil(fil, linje);
-            else if (!navn.isEmpty())
+            else if (!felt[i].isEmpty())
                 filer::SkrivTilFilAppend(fil, linje);
         }
     }
 
     Kontekst& k_;
+    Tolker tolker_;
     const QString fil_;
-    int32_t linjeNr_ = 0;     // every line, empty ones included
-    int64_t behandlet_ = 0;   // non-empty lines, header included
-    int64_t lagret_ = 0;
-    int64_t antallHopp_ = 0;
-    std::vector<QString> hopp_;
+    int32_t linjeNr_ = 0;    // every line, empty ones included
+    int64_t behandlet_ = 0;  // non-empty lines, header included
     Klokke::time_point nesteVisning_ = Klokke::now() + Fremdriftsintervall;
-    std::string linje_;
-    std::vector<std::string_view> felt_;
 };
 
 Utfall avvis(Kontekst& k, const QString& grunn)
@@ -430,8 +566,8 @@ Utfall Command2_Click(Kontekst& k)
         return avvis(k, *nei + Uendret);
     }
 
-    Innlesing innlesing(k, fil);
-    const std::optional<QString> stopp = innlesing.les(*leser);
+    Innlesing innlesing(k, *leser, fil);
+    const std::optional<QString> stopp = innlesing.les();
     leser.reset();
     opptatt.reset();
 
