@@ -9,14 +9,14 @@
 #include <array>
 #include <chrono>
 #include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
 #include <cstring>
+#include <deque>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <sqlite3.h>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -89,18 +89,18 @@ std::optional<QString> erstattDatabase(Kontekst& k)
     const QString mal = k.sti(MalFil);
     const QString data = k.sti(DataFil);
     const QString ny = data + QStringLiteral(".import");
-    if (!filer::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal);
+    if (!filer::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal) + Uendret;
     QFile::remove(ny);
     QFile kopi(mal);
     if (!kopi.copy(ny))
-        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString());
+        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString()) + Uendret;
     QFile::setPermissions(ny, QFile::permissions(ny) | QFileDevice::WriteOwner);
     try {
         db::Database tom(ny);
         tom.utfor(QStringLiteral("Delete from Datalinjer"));
     } catch (const db::DbFeil& e) {
         QFile::remove(ny);
-        return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, tekst(e));
+        return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, tekst(e)) + Uendret;
     }
     k.tilkobling.lukk();
     std::error_code feil;
@@ -112,12 +112,13 @@ std::optional<QString> erstattDatabase(Kontekst& k)
         } catch (const db::DbFeil&) {
             // it could not be opened before the import either; the start-up message said so
         }
-        return QStringLiteral("Kan ikke erstatte databasen %1: %2.").arg(data, QString::fromLocal8Bit(feil.message()));
+        return QStringLiteral("Kan ikke erstatte databasen %1: %2.").arg(data, QString::fromLocal8Bit(feil.message())) +
+               Uendret;
     }
     try {
         k.tilkobling.aapne(data);
     } catch (const db::DbFeil& e) {
-        return tekst(e) + QLatin1Char('.');
+        return tekst(e) + QStringLiteral(". Databasen er erstattet med en tom kopi av malen, men ingenting er importert.");
     }
     return std::nullopt;
 }
@@ -363,15 +364,15 @@ private:
 
 // The reader thread and the stretches passed between it and the command: the reader
 // fills free stretches, the command takes them in file order and gives them back.
-class Leseraad {
+class Lesetraad {
 public:
-    explicit Leseraad(Tolker& tolker) : tolker_(tolker)
+    explicit Lesetraad(Tolker& tolker) : tolker_(tolker)
     {
         for (auto& b : blokker_) ledige_.push_back(&b);
         traad_ = std::thread([this] { kjor(); });
     }
     // Stops the reader (also half-way through the file) and waits for it.
-    ~Leseraad()
+    ~Lesetraad()
     {
         {
             std::lock_guard laas(mutex_);
@@ -380,8 +381,8 @@ public:
         endret_.notify_all();
         traad_.join();
     }
-    Leseraad(const Leseraad&) = delete;
-    Leseraad& operator=(const Leseraad&) = delete;
+    Lesetraad(const Lesetraad&) = delete;
+    Lesetraad& operator=(const Lesetraad&) = delete;
 
     Blokk& neste()
     {
@@ -445,7 +446,7 @@ public:
         db::Transaksjon transaksjon(k_.tilkobling);
         Innsetting innsetting(k_.tilkobling);
         {
-            Leseraad leser(tolker_);
+            Lesetraad leser(tolker_);
             try {
                 for (bool ferdig = false; !ferdig;) {
                     Blokk& b = leser.neste();
@@ -558,12 +559,12 @@ Utfall Command2_Click(Kontekst& k)
     try {
         leser.emplace(fil);
     } catch (const filer::FilFeil& e) {
-        nei = tekst(e) + QLatin1Char('.');
+        nei = tekst(e) + QLatin1Char('.') + Uendret;
     }
     if (!nei) nei = erstattDatabase(k);
     if (nei) {
         opptatt.reset();
-        return avvis(k, *nei + Uendret);
+        return avvis(k, *nei);
     }
 
     Innlesing innlesing(k, *leser, fil);
