@@ -17,7 +17,6 @@
 #include <sqlite3.h>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace store {
@@ -173,61 +172,60 @@ void lagDatoTekst(std::string_view L, Rad& rad)
 }
 
 // The prepared inserts: DatoTid, DatoTid_Tekst and C to L, NULL where a line has no value.
-// Rows are gathered and sent Bunt at a time in one statement of as many rows, which
-// spares SQLite a statement run per row; what is left at the end goes one row at a time.
+// Rows go Bunt at a time in one statement of as many rows, which spares SQLite a statement
+// run per row; a shorter rest uses a statement of its own length, prepared when first needed.
 class Innsetting {
 public:
     static constexpr int Bunt = 50;  // 600 parameters, well below SQLite's 999
 
-    explicit Innsetting(db::Database& d) : db_(d), en_(forbered(d, 1)), bunt_(forbered(d, Bunt)) {}
+    explicit Innsetting(db::Database& d) : db_(d) {}
     ~Innsetting()
     {
-        sqlite3_finalize(en_);
-        sqlite3_finalize(bunt_);
+        for (auto& s : setninger_) sqlite3_finalize(s.stmt);
     }
     Innsetting(const Innsetting&) = delete;
     Innsetting& operator=(const Innsetting&) = delete;
 
-    void leggTil(const Rad& rad)
+    void settInn(const Rad* rader, int antall)
     {
-        rader_[static_cast<size_t>(ventende_)] = rad;
-        if (++ventende_ == Bunt) {
-            ventende_ = 0;
-            send(bunt_, 0, Bunt);
-        }
-    }
-    // Sends the rows still waiting.
-    void tom()
-    {
-        const int antall = std::exchange(ventende_, 0);
-        for (int i = 0; i < antall; ++i) send(en_, i, 1);
+        for (; antall > 0; rader += Bunt, antall -= Bunt) send(rader, std::min(antall, Bunt));
     }
     int64_t lagret() const { return lagret_; }
 
 private:
-    static sqlite3_stmt* forbered(db::Database& d, int rader)
+    struct Setning {
+        sqlite3_stmt* stmt = nullptr;
+        std::vector<int> tallBundet;  // per row: values bound as numbers last time; the rest are NULL
+    };
+
+    Setning& setning(int rader)
     {
-        std::string sql = "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L) VALUES ";
-        for (int i = 0; i < rader; ++i) sql += i ? ", (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)" : "(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
-        return d.forbered(sql.c_str());
+        Setning& s = setninger_[static_cast<size_t>(rader)];
+        if (!s.stmt) {
+            std::string sql = "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L) VALUES ";
+            for (int i = 0; i < rader; ++i)
+                sql += i ? ", (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)" : "(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+            s.stmt = db_.forbered(sql.c_str());
+            s.tallBundet.assign(static_cast<size_t>(rader), 0);  // a new statement has every parameter NULL
+        }
+        return s;
     }
 
-    void send(sqlite3_stmt* stmt, int fra, int antall)
+    void send(const Rad* rader, int antall)
     {
+        Setning& s = setning(antall);
         for (int r = 0; r < antall; ++r) {
-            const Rad& rad = rader_[static_cast<size_t>(fra + r)];
+            const Rad& rad = rader[r];
             const int p = r * (Verdier + 2) + 1;
-            sqlite3_bind_text(stmt, p, rad.datoTid, sizeof rad.datoTid, SQLITE_STATIC);
-            sqlite3_bind_text(stmt, p + 1, rad.datoTekst, rad.datoTekstLengde, SQLITE_STATIC);
-            for (int i = 0; i < Verdier; ++i) {
-                if (i < rad.antall)
-                    sqlite3_bind_double(stmt, p + 2 + i, rad.verdier[i]);
-                else
-                    sqlite3_bind_null(stmt, p + 2 + i);
-            }
+            sqlite3_bind_text(s.stmt, p, rad.datoTid, sizeof rad.datoTid, SQLITE_STATIC);
+            sqlite3_bind_text(s.stmt, p + 1, rad.datoTekst, rad.datoTekstLengde, SQLITE_STATIC);
+            for (int i = 0; i < rad.antall; ++i) sqlite3_bind_double(s.stmt, p + 2 + i, rad.verdier[i]);
+            int& bundet = s.tallBundet[static_cast<size_t>(r)];
+            for (int i = rad.antall; i < bundet; ++i) sqlite3_bind_null(s.stmt, p + 2 + i);
+            bundet = rad.antall;
         }
-        const int rc = sqlite3_step(stmt);
-        sqlite3_reset(stmt);
+        const int rc = sqlite3_step(s.stmt);
+        sqlite3_reset(s.stmt);
         if (rc != SQLITE_DONE)
             throw db::DbFeil(QStringLiteral("Databasen %1 avviste raden: %2")
                                  .arg(db_.fil(), QString::fromUtf8(sqlite3_errmsg(db_.handle())))
@@ -236,17 +234,14 @@ private:
     }
 
     db::Database& db_;
-    sqlite3_stmt* en_;
-    sqlite3_stmt* bunt_;
-    std::array<Rad, Bunt> rader_;
-    int ventende_ = 0;
+    std::array<Setning, Bunt + 1> setninger_;
     int64_t lagret_ = 0;
 };
 
 // A stretch of the file as the reader hands it over: the rows of its data lines and,
 // in the first one, the header's fields.
 struct Blokk {
-    static constexpr int Linjer = 1024;
+    static constexpr int Linjer = 20 * Innsetting::Bunt;
     std::array<Rad, Linjer> rader;
     int antall = 0;
     QStringList overskrift;  // cleaned header fields, in the stretch that holds the header
@@ -451,7 +446,7 @@ public:
                 for (bool ferdig = false; !ferdig;) {
                     Blokk& b = leser.neste();
                     if (!b.overskrift.isEmpty()) skrivKolonner(b.overskrift, b.overskriftLinje);
-                    for (int i = 0; i < b.antall; ++i) innsetting.leggTil(b.rader[static_cast<size_t>(i)]);
+                    innsetting.settInn(b.rader.data(), b.antall);
                     linjeNr_ = b.linjeNr;
                     behandlet_ = b.behandlet;
                     stopp = b.feil;
@@ -459,10 +454,8 @@ public:
                     leser.giTilbake(b);
                     if (Klokke::now() >= nesteVisning_) visFremdrift();
                 }
-                innsetting.tom();
             } catch (const ui::Avbrutt&) {
                 try {
-                    innsetting.tom();
                     transaksjon.fullfor();
                 } catch (const db::DbFeil&) {
                     // the program is ending; the store keeps the database as it was before the transaction
@@ -470,11 +463,6 @@ public:
                 throw;
             } catch (const std::exception& e) {
                 stopp = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.").arg(linjeNr_).arg(fil_, tekst(e));
-                try {
-                    innsetting.tom();
-                } catch (const db::DbFeil&) {
-                    // the rows sent before stay; the message names the first failure
-                }
             }
         }
         k_.vindu.settLabel4(vb::antallTekst(behandlet_));

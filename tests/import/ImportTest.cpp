@@ -177,6 +177,29 @@ TEST_F(Import, TellerLinjerMedAlleLinjeslutt)
     EXPECT_EQ(r.tall("C"), 999);
 }
 
+// Lines of changing width, many of them: every row has exactly its own values, the rest empty.
+TEST_F(Import, SkiftendeBreddeGirRiktigeTommeFelt)
+{
+    QByteArray innhold = "Date,Time,A,B,C,\r\n";
+    for (int i = 0; i < 160; ++i) {
+        innhold += QStringLiteral("2012/11/23,15:%1:%2").arg(i / 60, 2, 10, QChar('0')).arg(i % 60, 2, 10, QChar('0')).toLatin1();
+        for (int v = 0; v <= i % 3; ++v) innhold += "," + QByteArray::number(i * 10 + v);
+        innhold += ",\r\n";
+    }
+    ASSERT_EQ(importer(csv(innhold)), Utfall::Ferdig);
+    int i = 0;
+    for (auto r = rader(); !r.eof(); r.moveNext(), ++i) {
+        const char* kolonner[] = {"C", "D", "E"};
+        for (int v = 0; v < 3; ++v) {
+            if (v <= i % 3)
+                EXPECT_EQ(r.tall(kolonner[v]), i * 10 + v) << i;
+            else
+                EXPECT_TRUE(r.erNull(kolonner[v])) << i;
+        }
+    }
+    EXPECT_EQ(i, 160);
+}
+
 TEST_F(Import, NeiEllerIngenFilEndrerIngenting)
 {
     ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);
