@@ -82,7 +82,7 @@ std::optional<QString> innvending(const Oversikt& o, const QString& fil)
 // Replaces Data.mdb by an empty copy of Template.mdb and opens the connection on it.
 // The copy is made and tried beside Data.mdb and then renamed over it in one step, so
 // Data.mdb is at every moment either the old database or the new empty one. On failure
-// the old database stays and is opened again; the result is the reason.
+// the old database stays and is opened again; the result is the message to show.
 std::optional<QString> erstattDatabase(Kontekst& k)
 {
     const QString mal = k.sti(MalFil);
