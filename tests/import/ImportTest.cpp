@@ -267,6 +267,27 @@ TEST_F(Import, FilSomForsvinnerEtterSporsmaletAvvises)
     forventUendret();
 }
 
+// A file that fails once the import has begun: the reading stops with a message, and the new
+// (here empty) database stays one that the program opens.
+TEST_F(Import, LesefeilUnderveisStopperMedMelding)
+{
+    const QString lenke = p.sti(QStringLiteral("lenke.csv"));
+    ASSERT_TRUE(QFile::link(testfil("eksempel.csv"), lenke));
+    d.vedMelding = [&](const QString& tekst) {
+        if (!tekst.startsWith(QStringLiteral("Fila "))) return;
+        QFile::remove(lenke);
+        QFile::link(QStringLiteral("/proc/self/mem"), lenke);  // opens, but cannot be read
+    };
+    EXPECT_EQ(importer(lenke), Utfall::Avvist);
+    const QString melding = d.meldinger().last();
+    EXPECT_TRUE(melding.startsWith(QStringLiteral("Importen stoppet ved linje 1 i fila ") + lenke + QStringLiteral(": Kan ikke lese fila")))
+        << melding.toStdString();
+    EXPECT_TRUE(melding.endsWith(QStringLiteral("De 0 radene som var lest inn før, er lagret.")));
+    EXPECT_EQ(antallRader(), 0);
+    EXPECT_EQ(p.les(QStringLiteral("Kolonner.txt")), GamleKolonner);
+    db::Database kontroll(p.sti(QStringLiteral("Data.mdb")));
+}
+
 TEST_F(Import, DatabasefeilLaterDenGamleDatabasenStaa)
 {
     const QString fil = testfil("eksempel.csv");
