@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPixmap>
+#include <QFileInfo>
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -175,6 +176,15 @@ Utfall provMal(Form1& f, Argumenter& a, SkriptDialogs&)
     return f.Command6_Click();
 }
 
+Utfall import(Form1& f, Argumenter& a, SkriptDialogs& d)
+{
+    const bool nei = a.flagg(QStringLiteral("--no"));
+    d.svar(QFileInfo(a.posisjon(QStringLiteral("FILE"))).absoluteFilePath());
+    a.ferdig();
+    d.svar(nei ? ui::Svar::Nei : ui::Svar::Ja);
+    return f.Command2_Click();
+}
+
 const std::vector<std::pair<QString, Kommando>>& kommandoer()
 {
     static const std::vector<std::pair<QString, Kommando>> alle = {
@@ -187,6 +197,7 @@ const std::vector<std::pair<QString, Kommando>>& kommandoer()
         {QStringLiteral("export-single"), eksportEnkelt},
         {QStringLiteral("edit-title"), redigerTittel},
         {QStringLiteral("test"), provMal},
+        {QStringLiteral("import"), import},
     };
     return alle;
 }

@@ -10,6 +10,7 @@
 #include "export/Malprove.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
+#include "store/Import.h"
 #include "store/Maledata.h"
 
 #include <QApplication>
@@ -172,6 +173,7 @@ void Form1::byggKontroller()
     koble(Command4, &Form1::Command4_Click);
     koble(Command6, &Form1::Command6_Click);
     koble(Command9, &Form1::Command9_Click);
+    koble(Command2, &Form1::Command2_Click);
 
     connect(Combo1, &QComboBox::currentIndexChanged, this, &Form1::Combo1_Click);
     connect(Option1, &QRadioButton::toggled, this, &Form1::Option1_Click);
@@ -254,6 +256,8 @@ Utfall Form1::Command1_Click()
     QCoreApplication::quit();
     return lagret ? Utfall::Ferdig : Utfall::Avvist;
 }
+
+Utfall Form1::Command2_Click() { return kjor(store::Command2_Click); }
 
 Utfall Form1::Command10_Click()
 {

@@ -25,6 +25,7 @@ public:
 
     // The command buttons; each returns how its command ended (for tolvik-batch).
     Utfall Command1_Click();   // &Exit
+    Utfall Command2_Click();   // 1.  &Velg og importer fil
     Utfall Command10_Click();  // Om programmet
     Utfall Command7_Click();   // 4.  Finn antall sykluser
     Utfall Command8_Click();   // 3.  Graf (viser hele fila)

@@ -1,6 +1,7 @@
 #include "files/Tekstfil.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cstring>
 
 namespace filer {
@@ -102,14 +103,21 @@ bool Linjeleser::neste(std::string_view& linje)
             hoppOverLf_ = false;
             soktTil = start_;
         }
+        // The first CR or LF, sought with memchr a stretch at a time (both kinds of line end
+        // stay cheap, also in a file that has only one of them).
         const char* b = buf_.data();
-        for (size_t i = soktTil; i < slutt_; ++i) {
-            if (b[i] == '\r' || b[i] == '\n') {
-                linje = std::string_view(b + start_, i - start_);
-                hoppOverLf_ = b[i] == '\r';
-                start_ = i + 1;
+        for (size_t i = soktTil; i < slutt_;) {
+            const size_t n = std::min<size_t>(slutt_ - i, 256);
+            const auto* lf = static_cast<const char*>(std::memchr(b + i, '\n', n));
+            const auto* cr = static_cast<const char*>(std::memchr(b + i, '\r', lf ? static_cast<size_t>(lf - (b + i)) : n));
+            if (const char* brudd = cr ? cr : lf) {
+                const auto slutt = static_cast<size_t>(brudd - b);
+                linje = std::string_view(b + start_, slutt - start_);
+                hoppOverLf_ = *brudd == '\r';
+                start_ = slutt + 1;
                 return true;
             }
+            i += n;
         }
         soktTil = slutt_ - start_;
         if (!fyll()) {

@@ -34,9 +34,9 @@ void VisAntallPoster(Kontekst& k)
     long long antall = 0;
     if (k.tilkobling.erApen()) {
         try {
-            for (auto poster = k.tilkobling.spor(QStringLiteral("Select * from dataLinjer")); !poster.eof();
-                 poster.moveNext())
-                ++antall;
+            // The count of "Select * from dataLinjer"; count(*) reads the smaller time index instead of every row.
+            auto poster = k.tilkobling.spor(QStringLiteral("Select count(*) as Antall from dataLinjer"));
+            antall = static_cast<long long>(poster.tall("Antall"));
         } catch (const db::DbFeil&) {
             antall = 0;  // the start-up message has already said what is wrong with the database
         }

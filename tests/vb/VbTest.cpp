@@ -46,6 +46,16 @@ TEST(Tall, ValAvEtFelt)
     EXPECT_DOUBLE_EQ(val("7E"), 7);
 }
 
+TEST(Tall, ValSomLagret)
+{
+    // A stored value is the number an insert statement carries: at most 15 significant digits.
+    EXPECT_EQ(valLagret("0.12345678901234567"), 0.123456789012346);
+    EXPECT_EQ(valLagret("-1.2345E-10"), -1.2345e-10);
+    EXPECT_EQ(valLagret("abc"), 0);
+    EXPECT_EQ(valLagret("123456789012345678"), 123456789012346000.0);
+    EXPECT_THROW(valLagret("1E999"), Feil);
+}
+
 TEST(Tekster, AntallMonster)
 {
     EXPECT_EQ(antallTekst(0), QStringLiteral("  "));

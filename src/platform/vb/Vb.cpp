@@ -1,6 +1,7 @@
 #include "platform/vb/Vb.h"
 
 #include <QDate>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -140,6 +141,18 @@ double val(std::string_view felt)
     if (res.ec == std::errc::result_out_of_range) throw Feil(Overflyt);
     if (res.ec != std::errc()) return 0;
     return negativ ? -x : x;
+}
+
+double valLagret(std::string_view felt)
+{
+    const double x = val(felt);
+    // A field of at most 15 digits is read exactly as its 15-digit text would be.
+    if (std::count_if(felt.begin(), felt.end(), [](char c) { return c >= '0' && c <= '9'; }) <= 15) return x;
+    char buf[32];
+    const auto skrevet = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::general, 15);
+    double y = 0;
+    std::from_chars(buf, skrevet.ptr, y, std::chars_format::general);
+    return y;
 }
 
 QString antallTekst(long long antall)
