@@ -1,0 +1,543 @@
+#include "platform/xlsx/Ark.h"
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <sstream>
+
+namespace xlsx {
+
+using formel::Resultat;
+
+namespace {
+
+std::string_view lokaltNavn(const char* navn) {
+    const char* kolon = std::strrchr(navn, ':');
+    return kolon ? kolon + 1 : navn;
+}
+
+pugi::xml_node barn(pugi::xml_node n, std::string_view navn) {
+    for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
+        if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
+    return {};
+}
+
+// Text of an element or attribute value, escaped for XML.
+void escape(std::string& ut, std::string_view s, bool attributt) {
+    size_t fra = 0;
+    for (size_t i = 0; i < s.size(); ++i) {
+        const char* erstatt = nullptr;
+        unsigned char c = static_cast<unsigned char>(s[i]);
+        switch (c) {
+        case '&': erstatt = "&amp;"; break;
+        case '<': erstatt = "&lt;"; break;
+        case '>': erstatt = "&gt;"; break;
+        case '"': erstatt = attributt ? "&quot;" : nullptr; break;
+        case '\t': case '\n': case '\r': break;
+        default:
+            if (c < 0x20) erstatt = ""; // not allowed in XML 1.0
+        }
+        if (!erstatt) continue;
+        ut.append(s.data() + fra, i - fra);
+        ut += erstatt;
+        fra = i + 1;
+    }
+    ut.append(s.data() + fra, s.size() - fra);
+}
+
+void attributter(std::string& ut, pugi::xml_node n, std::initializer_list<std::string_view> utenom) {
+    for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute()) {
+        if (std::find(utenom.begin(), utenom.end(), std::string_view(a.name())) != utenom.end()) continue;
+        ut += ' ';
+        ut += a.name();
+        ut += "=\"";
+        escape(ut, a.value(), true);
+        ut += '"';
+    }
+}
+
+void leggTilTall(std::string& ut, double x) {
+    char buf[32];
+    auto r = std::to_chars(buf, buf + sizeof buf, x);
+    ut.append(buf, r.ptr);
+}
+
+void leggTilHeltall(std::string& ut, long x) {
+    char buf[24];
+    auto r = std::to_chars(buf, buf + sizeof buf, x);
+    ut.append(buf, r.ptr);
+}
+
+void leggTilAdresse(std::string& ut, int rad, int kol) {
+    char buf[8];
+    int n = 0;
+    while (kol > 0) {
+        buf[n++] = static_cast<char>('A' + (kol - 1) % 26);
+        kol = (kol - 1) / 26;
+    }
+    while (n > 0) ut += buf[--n];
+    leggTilHeltall(ut, rad);
+}
+
+// The plain text of an inline rich-text element.
+std::string rikTekst(const std::string& xml) {
+    pugi::xml_document d;
+    d.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
+    std::string s;
+    for (auto x : d.select_nodes("//*[local-name()='t' and not(ancestor::*[local-name()='rPh'])]"))
+        s += x.node().child_value();
+    return s;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- reading
+
+void Ark::last() {
+    if (lastet_) return;
+    std::string xml = bok_.lesDel(sti_);
+    size_t start = std::string::npos;
+    for (size_t p = xml.find("sheetData"); p != std::string::npos; p = xml.find("sheetData", p + 1)) {
+        size_t lt = p;
+        while (lt > 0 && xml[lt - 1] != '<' && xml[lt - 1] != '>' && xml[lt - 1] != '/' && xml[lt - 1] != ' ')
+            --lt;
+        if (lt > 0 && xml[lt - 1] == '<') {
+            start = lt - 1;
+            ns_ = xml.substr(lt, p - lt);
+            break;
+        }
+    }
+    if (start == std::string::npos) throw XlsxFeil("Arket mangler celledata: " + sti_);
+    size_t slutt;
+    size_t tagSlutt = xml.find('>', start);
+    if (tagSlutt == std::string::npos) throw XlsxFeil("Ødelagt ark: " + sti_);
+    if (xml[tagSlutt - 1] == '/') {
+        slutt = tagSlutt + 1;
+    } else {
+        std::string lukk = "</" + ns_ + "sheetData>";
+        size_t p = xml.find(lukk, tagSlutt);
+        if (p == std::string::npos) throw XlsxFeil("Ødelagt ark: " + sti_);
+        slutt = p + lukk.size();
+    }
+    pugi::xml_document d;
+    auto res = d.load_buffer(xml.data() + start, slutt - start, pugi::parse_default | pugi::parse_ws_pcdata_single);
+    if (!res) throw XlsxFeil("Ødelagt ark: " + sti_ + " (" + res.description() + ")");
+    foran_ = xml.substr(0, start);
+    bak_ = xml.substr(slutt);
+
+    struct Delt {
+        std::string tekst;
+        int rad, kol;
+    };
+    std::map<std::string, Delt> delte;
+    int radNr = 0;
+    for (pugi::xml_node r = d.first_child().first_child(); r; r = r.next_sibling()) {
+        if (r.type() != pugi::node_element || lokaltNavn(r.name()) != "row") continue;
+        radNr = r.attribute("r") ? r.attribute("r").as_int() : radNr + 1;
+        Rad& rad = rader_[radNr];
+        attributter(rad.attr, r, {"r", "spans"});
+        int kolNr = 0;
+        for (pugi::xml_node c = r.first_child(); c; c = c.next_sibling()) {
+            if (c.type() != pugi::node_element || lokaltNavn(c.name()) != "c") continue;
+            int rr = radNr;
+            if (!formel::lesAdresse(c.attribute("r").value(), rr, kolNr)) ++kolNr;
+            Celle celle;
+            celle.kol = kolNr;
+            celle.stil = c.attribute("s").value();
+            attributter(celle.ekstra, c, {"r", "s", "t"});
+            std::string_view t = c.attribute("t").value();
+            pugi::xml_node v = barn(c, "v");
+            const char* vt = v.child_value();
+            if (t == "s") {
+                celle.art = Celle::Delt;
+                celle.tall = std::atol(vt);
+            } else if (t == "inlineStr") {
+                pugi::xml_node is = barn(c, "is");
+                pugi::xml_node tn = barn(is, "t");
+                if (tn && !tn.next_sibling()) {
+                    celle.art = Celle::Tekst;
+                    celle.tekst = tn.child_value();
+                } else if (is) {
+                    std::ostringstream o;
+                    is.print(o, "", pugi::format_raw);
+                    celle.art = Celle::Rik;
+                    celle.tekst = o.str();
+                }
+            } else if (t == "b") {
+                celle.art = Celle::Logisk;
+                celle.tall = std::atoi(vt) != 0;
+            } else if (t == "e") {
+                celle.art = Celle::Feil;
+                celle.tekst = vt;
+            } else if (t == "str" || t == "d") {
+                celle.art = Celle::Tekst;
+                celle.tekst = vt;
+            } else if (v) {
+                celle.art = Celle::Tall;
+                std::from_chars(vt, vt + std::strlen(vt), celle.tall);
+            }
+            if (pugi::xml_node f = barn(c, "f")) {
+                auto fd = std::make_unique<FormelDel>();
+                fd->rad = radNr;
+                std::string_view ft = f.attribute("t").value();
+                if (ft == "shared") {
+                    std::string si = f.attribute("si").value();
+                    if (f.attribute("ref")) {
+                        delte[si] = {f.child_value(), radNr, kolNr};
+                        fd->tekst = f.child_value();
+                    } else if (auto m = delte.find(si); m != delte.end()) {
+                        fd->tekst = formel::flytt(m->second.tekst, radNr - m->second.rad, kolNr - m->second.kol);
+                    }
+                } else {
+                    fd->tekst = f.child_value();
+                    attributter(fd->attr, f, {});
+                }
+                // The cached value is computed anew; only the formula is kept.
+                celle.art = Celle::Tom;
+                celle.tekst.clear();
+                celle.formel = std::move(fd);
+                ++antallFormler_;
+            }
+            rad.celler.push_back(std::move(celle));
+        }
+        std::sort(rad.celler.begin(), rad.celler.end(), [](const Celle& a, const Celle& b) { return a.kol < b.kol; });
+    }
+    lastet_ = true;
+    sist_ = rader_.end();
+}
+
+// ---------------------------------------------------------------- cells
+
+Ark::Celle* Ark::finn(int rad, int kol) {
+    if (sist_ == rader_.end() || sist_->first != rad) {
+        auto it = rader_.find(rad);
+        if (it == rader_.end()) return nullptr;
+        sist_ = it;
+    }
+    auto& v = sist_->second.celler;
+    auto it = std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
+    return it != v.end() && it->kol == kol ? &*it : nullptr;
+}
+
+Ark::Celle& Ark::hent(int rad, int kol) {
+    if (rad < 1 || rad > 1048576 || kol < 1 || kol > 16384)
+        throw XlsxFeil("Ugyldig celle: rad " + std::to_string(rad) + ", kolonne " + std::to_string(kol));
+    if (sist_ == rader_.end() || sist_->first != rad)
+        sist_ = rader_.empty() || rader_.rbegin()->first < rad ? rader_.emplace_hint(rader_.end(), rad, Rad{})
+                                                                : rader_.try_emplace(rad).first;
+    auto& v = sist_->second.celler;
+    if (v.empty() || v.back().kol < kol) {
+        v.emplace_back().kol = kol;
+        return v.back();
+    }
+    auto it = std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
+    if (it == v.end() || it->kol != kol) {
+        it = v.insert(it, Celle{});
+        it->kol = kol;
+    }
+    return *it;
+}
+
+void Ark::fjernFormel(Celle& c) {
+    if (!c.formel) return;
+    c.formel.reset();
+    --antallFormler_;
+    formlerEndret_ = true;
+}
+
+void Ark::settCelle(int rad, int kolonne, const Verdi& verdi) {
+    last();
+    endring();
+    bool tom = std::holds_alternative<std::monostate>(verdi) ||
+               (std::holds_alternative<QString>(verdi) && std::get<QString>(verdi).isEmpty());
+    if (tom) {
+        Celle* c = finn(rad, kolonne);
+        if (!c) return;
+        fjernFormel(*c);
+        if (c->stil.empty() && c->ekstra.empty()) {
+            tomCelle(rad, kolonne);
+            return;
+        }
+        c->art = Celle::Tom;
+        c->tekst.clear();
+        return;
+    }
+    Celle& c = hent(rad, kolonne);
+    fjernFormel(c);
+    if (const double* x = std::get_if<double>(&verdi)) {
+        if (std::isfinite(*x)) {
+            c.art = Celle::Tall;
+            c.tall = *x;
+            c.tekst.clear();
+        } else {
+            c.art = Celle::Feil;
+            c.tekst = "#NUM!";
+        }
+    } else {
+        c.art = Celle::Tekst;
+        c.tekst = std::get<QString>(verdi).toStdString();
+    }
+}
+
+void Ark::settFormel(const QString& adresse, const QString& tekst) {
+    last();
+    int rad, kol;
+    if (!formel::lesAdresse(adresse.toStdString(), rad, kol))
+        throw XlsxFeil("Ugyldig celleadresse: " + adresse.toStdString());
+    endring();
+    Celle& c = hent(rad, kol);
+    if (!c.formel) ++antallFormler_;
+    c.formel = std::make_unique<FormelDel>();
+    c.formel->rad = rad;
+    c.formel->tekst = formel::normaliser(tekst.toStdString());
+    c.art = Celle::Tom;
+    c.tekst.clear();
+    formlerEndret_ = true;
+}
+
+void Ark::tomCelle(int rad, int kolonne) {
+    last();
+    endring();
+    auto it = rader_.find(rad);
+    if (it == rader_.end()) return;
+    auto& v = it->second.celler;
+    auto c = std::lower_bound(v.begin(), v.end(), kolonne, [](const Celle& x, int k) { return x.kol < k; });
+    if (c == v.end() || c->kol != kolonne) return;
+    fjernFormel(*c);
+    v.erase(c);
+}
+
+void Ark::tomRad(int rad) {
+    last();
+    endring();
+    auto it = rader_.find(rad);
+    if (it == rader_.end()) return;
+    auto& v = it->second.celler;
+    for (Celle& c : v) {
+        fjernFormel(c);
+        c.art = Celle::Tom;
+        c.tekst.clear();
+    }
+    // Formatting stays: a styled cell remains as an empty cell.
+    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil.empty() && c.ekstra.empty(); }),
+            v.end());
+}
+
+Verdi Ark::celle(int rad, int kolonne) {
+    last();
+    Resultat r = kilde_.celle(rad, kolonne);
+    switch (r.art) {
+    case Resultat::Tom: return std::monostate{};
+    case Resultat::Tall:
+    case Resultat::Logisk: return r.tall;
+    default: return QString::fromStdString(r.tekst);
+    }
+}
+
+// ---------------------------------------------------------------- values
+
+Resultat Ark::verdiAv(Celle& c) {
+    FormelDel& f = *c.formel;
+    if (f.gen == gen_) {
+        if (f.underveis) return Resultat::feil("#REF!", true); // circular reference
+        return f.verdi;
+    }
+    f.gen = gen_;
+    f.underveis = true;
+    if (!f.tre) f.tre = tolkelager_.hent(f.tekst, f.rad, c.kol);
+    Resultat r = formel::beregn(*f.tre, kilde_, f.rad, c.kol);
+    if (r.art == Resultat::Tom) r = Resultat::nummer(0);
+    f.verdi = r;
+    f.underveis = false;
+    return r;
+}
+
+Resultat Ark::resultat(Celle& c) {
+    if (c.formel) return verdiAv(c);
+    switch (c.art) {
+    case Celle::Tom: return {};
+    case Celle::Tall: return Resultat::nummer(c.tall);
+    case Celle::Logisk: return {Resultat::Logisk, c.tall, {}, false};
+    case Celle::Tekst: return Resultat::streng(c.tekst);
+    case Celle::Delt: return Resultat::streng(bok_.deltTekst(static_cast<long>(c.tall)));
+    case Celle::Feil: return Resultat::feil(c.tekst.c_str());
+    case Celle::Rik: return Resultat::streng(rikTekst(c.tekst));
+    }
+    return {};
+}
+
+Resultat Ark::Kilde::celle(int rad, int kolonne) {
+    Celle* c = ark_.finn(rad, kolonne);
+    return c ? ark_.resultat(*c) : Resultat{};
+}
+
+void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver) {
+    for (auto it = ark_.rader_.lower_bound(rad1); it != ark_.rader_.end() && it->first <= rad2; ++it) {
+        auto& v = it->second.celler;
+        auto c = std::lower_bound(v.begin(), v.end(), kol1, [](const Celle& x, int k) { return x.kol < k; });
+        for (; c != v.end() && c->kol <= kol2; ++c) {
+            Resultat r = ark_.resultat(*c);
+            if (r.art != Resultat::Tom) hver(r);
+        }
+    }
+}
+
+// ---------------------------------------------------------------- writing
+
+void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
+    ut += "<";
+    ut += ns_;
+    ut += "c r=\"";
+    leggTilAdresse(ut, rad, c.kol);
+    ut += '"';
+    if (!c.stil.empty()) {
+        ut += " s=\"";
+        ut += c.stil;
+        ut += '"';
+    }
+    // Type attribute and value element.
+    const char* type = nullptr;
+    std::string verdi;
+    bool harV = false; // a <v> element, also an empty one for an empty text result
+    bool rik = false;
+    if (c.formel) {
+        Resultat r = verdiAv(c);
+        switch (r.art) {
+        case Resultat::Tall: leggTilTall(verdi, r.tall); break;
+        case Resultat::Logisk: type = "b"; verdi = r.tall != 0 ? "1" : "0"; break;
+        case Resultat::Tekst: type = "str"; escape(verdi, r.tekst, false); break;
+        case Resultat::Feil:
+            if (!r.usikker) {
+                type = "e";
+                escape(verdi, r.tekst, false);
+            }
+            break;
+        case Resultat::Tom: break;
+        }
+        harV = r.art != Resultat::Feil || !r.usikker;
+    } else {
+        switch (c.art) {
+        case Celle::Tom: break;
+        case Celle::Tall: leggTilTall(verdi, c.tall); break;
+        case Celle::Logisk: type = "b"; verdi = c.tall != 0 ? "1" : "0"; break;
+        case Celle::Delt: type = "s"; leggTilHeltall(verdi, static_cast<long>(c.tall)); break;
+        case Celle::Feil: type = "e"; escape(verdi, c.tekst, false); break;
+        case Celle::Tekst: type = "inlineStr"; break;
+        case Celle::Rik: type = "inlineStr"; rik = true; break;
+        }
+    }
+    if (type) {
+        ut += " t=\"";
+        ut += type;
+        ut += '"';
+    }
+    ut += c.ekstra;
+    if (!c.formel) harV = !verdi.empty();
+    bool harInnhold = c.formel || c.art == Celle::Tekst || rik || harV;
+    if (!harInnhold) {
+        ut += "/>";
+        return;
+    }
+    ut += '>';
+    if (c.formel) {
+        ut += '<';
+        ut += ns_;
+        ut += 'f';
+        ut += c.formel->attr;
+        ut += '>';
+        escape(ut, c.formel->tekst, false);
+        ut += "</";
+        ut += ns_;
+        ut += "f>";
+    }
+    if (!c.formel && c.art == Celle::Tekst) {
+        const std::string& t = c.tekst;
+        bool bevar = !t.empty() && (t.front() == ' ' || t.back() == ' ' || t.front() == '\n' || t.back() == '\n');
+        ut += '<';
+        ut += ns_;
+        ut += bevar ? "is><" + ns_ + "t xml:space=\"preserve\">" : "is><" + ns_ + "t>";
+        escape(ut, t, false);
+        ut += "</";
+        ut += ns_;
+        ut += "t></";
+        ut += ns_;
+        ut += "is>";
+    } else if (rik) {
+        ut += c.tekst;
+    } else if (harV) {
+        ut += '<';
+        ut += ns_;
+        ut += "v>";
+        ut += verdi;
+        ut += "</";
+        ut += ns_;
+        ut += "v>";
+    }
+    ut += "</";
+    ut += ns_;
+    ut += "c>";
+}
+
+std::string Ark::skriv() {
+    last();
+    ++gen_; // every formula is computed anew for the file
+    int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
+    size_t antall = 0;
+    for (auto& [nr, rad] : rader_) {
+        antall += rad.celler.size();
+        if (rad.celler.empty()) continue;
+        if (!r1) r1 = nr;
+        r2 = nr;
+        k1 = k1 ? std::min(k1, rad.celler.front().kol) : rad.celler.front().kol;
+        k2 = std::max(k2, rad.celler.back().kol);
+    }
+    std::string ut;
+    ut.reserve(foran_.size() + bak_.size() + antall * 48 + rader_.size() * 24);
+    ut += foran_;
+    // The used range in <dimension>.
+    std::string dim = "<" + ns_ + "dimension ";
+    if (size_t p = ut.find(dim); p != std::string::npos) {
+        size_t a = ut.find("ref=\"", p);
+        size_t e = a == std::string::npos ? a : ut.find('"', a + 5);
+        if (e != std::string::npos && a < ut.find('>', p)) {
+            std::string ref;
+            leggTilAdresse(ref, r1 ? r1 : 1, k1 ? k1 : 1);
+            if (r1 && (r1 != r2 || k1 != k2)) {
+                ref += ':';
+                leggTilAdresse(ref, r2, k2);
+            }
+            ut.replace(a + 5, e - a - 5, ref);
+        }
+    }
+    ut += '<';
+    ut += ns_;
+    ut += "sheetData>";
+    for (auto& [nr, rad] : rader_) {
+        if (rad.celler.empty() && rad.attr.empty()) continue;
+        ut += '<';
+        ut += ns_;
+        ut += "row r=\"";
+        leggTilHeltall(ut, nr);
+        ut += '"';
+        ut += rad.attr;
+        if (rad.celler.empty()) {
+            ut += "/>";
+            continue;
+        }
+        ut += '>';
+        for (Celle& c : rad.celler) skrivCelle(ut, nr, c);
+        ut += "</";
+        ut += ns_;
+        ut += "row>";
+    }
+    ut += "</";
+    ut += ns_;
+    ut += "sheetData>";
+    ut += bak_;
+    return ut;
+}
+
+} // namespace xlsx

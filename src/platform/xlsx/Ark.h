@@ -1,0 +1,106 @@
+// One worksheet held as a sparse map of rows and cells. The sheet's XML is read
+// once, on first use; saving writes the part before and after the cell data as
+// it was and the cell data anew, in row and column order.
+#pragma once
+
+#include "platform/xlsx/Arbeidsbok.h"
+#include "platform/xlsx/Formel.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace xlsx {
+
+// What a worksheet needs from its workbook.
+class Bokdeler {
+public:
+    virtual ~Bokdeler() = default;
+    virtual std::string lesDel(const std::string& sti) = 0;
+    virtual const std::string& deltTekst(long indeks) = 0;
+    virtual Diagram& diagram(const std::string& arkSti, int nr) = 0;
+};
+
+class Ark final : public Arbeidsark {
+public:
+    Ark(Bokdeler& bok, std::string sti) : bok_(bok), sti_(std::move(sti)) {}
+
+    void settCelle(int rad, int kolonne, const Verdi& verdi) override;
+    Verdi celle(int rad, int kolonne) override;
+    void settFormel(const QString& adresse, const QString& formel) override;
+    void tomCelle(int rad, int kolonne) override;
+    void tomRad(int rad) override;
+    Diagram& diagram(int nr) override { return bok_.diagram(sti_, nr); }
+
+    const std::string& sti() const { return sti_; }
+    bool endret() const { return endret_; }
+    // A formula was set, overwritten or removed since opening.
+    bool formlerEndret() const { return formlerEndret_; }
+    bool harFormler() const { return antallFormler_ > 0; }
+    // The sheet's XML with the current cells, formula values cached.
+    std::string skriv();
+
+private:
+    struct FormelDel {
+        std::string tekst;  // as stored, without "="
+        std::string attr;   // raw attributes of <f> kept for array formulas
+        int rad = 0; // the row of the cell, which relative references start from
+        std::shared_ptr<const formel::Uttrykk> tre;
+        uint64_t gen = 0;
+        bool underveis = false;
+        formel::Resultat verdi;
+    };
+    struct Celle {
+        enum Art : unsigned char { Tom, Tall, Tekst, Delt, Logisk, Feil, Rik };
+        int kol = 0;
+        Art art = Tom;
+        double tall = 0;    // number, logical, shared-string index
+        std::string tekst;  // text, error code, or the raw <is> element of rich text
+        std::string stil;   // s attribute
+        std::string ekstra; // other attributes of <c>, raw
+        std::unique_ptr<FormelDel> formel;
+    };
+    struct Rad {
+        std::string attr; // attributes of <row> but r and spans, raw
+        std::vector<Celle> celler;
+    };
+
+    // The sheet as the evaluator sees it.
+    class Kilde final : public formel::Kilde {
+    public:
+        explicit Kilde(Ark& ark) : ark_(ark) {}
+        formel::Resultat celle(int rad, int kolonne) override;
+        void omrade(int rad1, int kol1, int rad2, int kol2,
+                    const std::function<void(const formel::Resultat&)>& hver) override;
+
+    private:
+        Ark& ark_;
+    };
+
+    formel::Resultat resultat(Celle& c);
+    void last();
+    Celle* finn(int rad, int kol);
+    Celle& hent(int rad, int kol);
+    void fjernFormel(Celle& c);
+    void endring() { endret_ = true; ++gen_; }
+    formel::Resultat verdiAv(Celle& c);
+    void skrivCelle(std::string& ut, int rad, Celle& c);
+
+    Bokdeler& bok_;
+    std::string sti_;
+    bool lastet_ = false;
+    bool endret_ = false;
+    bool formlerEndret_ = false;
+    long antallFormler_ = 0;
+    uint64_t gen_ = 1;
+    std::string foran_, bak_; // the XML around the cell data
+    std::string ns_;          // prefix of the sheet's elements ("" or "x:")
+    std::map<int, Rad> rader_;
+    std::map<int, Rad>::iterator sist_ = rader_.end();
+    Kilde kilde_{*this};
+    formel::Tolkelager tolkelager_;
+};
+
+} // namespace xlsx
