@@ -1,6 +1,6 @@
 // Builds the program folder for the single-cycle export bench: a Data.mdb with CYCLES cycles
 // of ROWS rows each at 2 s steps, SnuPunkter.txt, Kolonner.txt and Oppsett.txt, and the same
-// rows as rader.csv (cycle;A;C..K) for the peer programs that write the same cells.
+// rows as rader.csv (cycle;A;C..K) for the openpyxl peer, which writes the same cells.
 //   bench_enkeltgraf_data FOLDER [CYCLES ROWS]
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"

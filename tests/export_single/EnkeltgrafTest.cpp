@@ -5,9 +5,11 @@
 #include "export/Eksport.h"
 #include "files/Tekstfil.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QPushButton>
 
 using ui::Boks;
 using ui::SkriptDialogs;
@@ -118,9 +120,9 @@ TEST_F(Enkeltgraf, ForeslattPrefiksGirDobbeltUnderstrekOgEksisterendeFilErstatte
 
 TEST_F(Enkeltgraf, AvslagOgAvbruddSkriverIngenting)
 {
-    // No turning points yet: refused before anything else, no output folder.
+    // No turning points yet: refused before anything else, no output folder. (The button itself.)
     rader(0, 10 * Minutt, 30);
-    EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
+    form().findChild<QPushButton*>(QStringLiteral("Command3"))->click();
     EXPECT_EQ(dialogs.meldinger(), QStringList({"Du må først finne antall sykluser"}));
     EXPECT_FALSE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).exists());
 
@@ -210,6 +212,7 @@ TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMelding)
 
     EXPECT_EQ(utfiler(), QStringList({"A_1.xlsx", "A_2.xlsx", "A_3.xlsx"}));
     EXPECT_FALSE(dialogs.ubrukteSvar());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(Enkeltgraf, TomTabellErEnFeil)
@@ -230,6 +233,35 @@ TEST_F(Enkeltgraf, OdelagtMalGirFeilOgLaMalenVaere)
     EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
     EXPECT_EQ(mappe.les(eksport::MalSykluser), QByteArray("ikke en arbeidsbok"));
     EXPECT_TRUE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
+
+    // A workbook with a single chart on its second sheet fails at the second axis.
+    QFile::remove(mappe.sti(eksport::MalSykluser));
+    QFile::copy(mappe.sti(eksport::MalAdsorpsjon), mappe.sti(eksport::MalSykluser));
+    const QByteArray enGraf = mappe.les(eksport::MalSykluser);
+    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
+    EXPECT_TRUE(utfiler().isEmpty());
+}
+
+TEST_F(Enkeltgraf, SkrivebeskyttetEllerSperretUtfilGirFeil)
+{
+    fyll();
+    sett(Boks::Text4, QStringLiteral("1"));
+    sett(Boks::Text6, QStringLiteral("1"));
+    QDir().mkdir(mappe.sti(QStringLiteral("Data_Bearbeidet")));
+    const QString fil = ut(QStringLiteral("P_1.xlsx"));
+    filer::SkrivTilFil(fil, QStringLiteral("beskyttet"));
+    QFile::setPermissions(fil, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(innhold(fil), QByteArray("beskyttet\r\n"));
+
+    // A folder in the file's place cannot be replaced either.
+    QDir().mkdir(ut(QStringLiteral("Q_1.xlsx")));
+    EXPECT_EQ(eksporter(QStringLiteral("Q")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(utfiler(), QStringList({"P_1.xlsx"}));
 }
 
 TEST_F(Enkeltgraf, RadtellerenTalerIkkeMerEnn32767)
