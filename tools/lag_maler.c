@@ -68,6 +68,18 @@ static Stiler lagStiler(lxw_workbook *bok) {
     return s;
 }
 
+/* Column widths and formats: first and last column (from 0), width, format. */
+typedef struct {
+    int fra, til;
+    double bredde;
+    lxw_format *format;
+} Kolonne;
+
+static void kolonner(lxw_worksheet *ark, const Kolonne *k, int antall) {
+    for (int i = 0; i < antall; ++i)
+        worksheet_set_column(ark, (lxw_col_t)k[i].fra, (lxw_col_t)k[i].til, k[i].bredde, k[i].format);
+}
+
 static lxw_chart *spredningsdiagram(lxw_workbook *bok, const char *tittel, const char *xTittel) {
     lxw_chart *d = workbook_add_chart(bok, LXW_CHART_SCATTER_STRAIGHT);
     chart_title_set_name(d, tittel);
@@ -135,12 +147,9 @@ static void lagSykluser(const char *mappe) {
     worksheet_write_string(data, 0, 11, "Merknad", s.overskrift);
     worksheet_write_string(data, 0, 13, "Start (min fra datastart)", s.overskrift);
     worksheet_write_number(data, 0, 14, 0, s.merke);
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, 10, 12, s.tall);
-    worksheet_set_column(data, 11, 11, 14, NULL);
-    worksheet_set_column(data, 13, 13, 16, NULL);
-    worksheet_set_column(data, 14, 14, 10, NULL);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 10, 12, s.tall},
+                               {11, 11, 14, NULL},  {13, 13, 16, NULL},      {14, 14, 10, NULL}};
+    kolonner(data, bredder, 6);
     worksheet_freeze_panes(data, 1, 1);
     for (int rad = 2; rad <= SYKLUS_RADER + 1; ++rad) {
         char f[1000];
@@ -206,9 +215,8 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
         snprintf(h, sizeof h, "Cycle nr.%d", k);
         worksheet_write_string(data, 0, (lxw_col_t)(k + 1), h, s.overskrift);
     }
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, SAMLE_SYKLUSER + 1, 12, s.tall);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, SAMLE_SYKLUSER + 1, 12, s.tall}};
+    kolonner(data, bredder, 3);
     worksheet_freeze_panes(data, 1, 2);
     for (int rad = 2; rad <= SAMLE_SISTE_RAD; ++rad) {
         char f[1000];
@@ -241,13 +249,9 @@ static void lagIntegrering(const char *mappe) {
     for (int k = 0; k < 7; ++k) worksheet_write_string(data, 1, (lxw_col_t)k, overskrifter[k], s.overskrift);
     worksheet_write_string(data, 1, 9, "Start (min)", s.overskrift);
     worksheet_write_number(data, 1, 10, 0, s.merke);
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, 3, 13, s.tall);
-    worksheet_set_column(data, 4, 4, 8, NULL);
-    worksheet_set_column(data, 5, 6, 13, s.tall);
-    worksheet_set_column(data, 9, 10, 12, NULL);
-    worksheet_set_column(data, 11, 11, 18, s.tall);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 3, 13, s.tall}, {4, 4, 8, NULL},
+                               {5, 6, 13, s.tall},  {9, 10, 12, NULL},      {11, 11, 18, s.tall}};
+    kolonner(data, bredder, 7);
     worksheet_freeze_panes(data, 2, 1);
     for (int rad = 3; rad <= INTEGRERING_SISTE_RAD; ++rad) {
         char f[1000];

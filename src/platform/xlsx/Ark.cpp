@@ -387,6 +387,20 @@ void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::funct
 
 // ---------------------------------------------------------------- writing
 
+void Ark::apneTagg(std::string& ut, const char* navn) const {
+    ut += '<';
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
+void Ark::lukkTagg(std::string& ut, const char* navn) const {
+    ut += "</";
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
 void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     ut += "<";
     ut += ns_;
@@ -466,9 +480,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         } else {
             ut += '>';
             escape(ut, f.tekst, false);
-            ut += "</";
-            ut += ns_;
-            ut += "f>";
+            lukkTagg(ut, "f");
         }
     }
     if (!c.formel && c.art == Celle::Tekst) {
@@ -478,25 +490,16 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         ut += ns_;
         ut += bevar ? "is><" + ns_ + "t xml:space=\"preserve\">" : "is><" + ns_ + "t>";
         escape(ut, t, false);
-        ut += "</";
-        ut += ns_;
-        ut += "t></";
-        ut += ns_;
-        ut += "is>";
+        lukkTagg(ut, "t");
+        lukkTagg(ut, "is");
     } else if (rik) {
         ut += c.tekst;
     } else if (harV) {
-        ut += '<';
-        ut += ns_;
-        ut += "v>";
+        apneTagg(ut, "v");
         ut += verdi;
-        ut += "</";
-        ut += ns_;
-        ut += "v>";
+        lukkTagg(ut, "v");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "c>";
+    lukkTagg(ut, "c");
 }
 
 // Runs of cells down a column whose formulas differ only by their row are written as one
@@ -562,9 +565,7 @@ std::string Ark::skriv() {
             ut.replace(a + 5, e - a - 5, ref);
         }
     }
-    ut += '<';
-    ut += ns_;
-    ut += "sheetData>";
+    apneTagg(ut, "sheetData");
     for (auto& [nr, rad] : rader_) {
         if (rad.celler.empty() && rad.attr.empty()) continue;
         ut += '<';
@@ -579,13 +580,9 @@ std::string Ark::skriv() {
         }
         ut += '>';
         for (Celle& c : rad.celler) skrivCelle(ut, nr, c);
-        ut += "</";
-        ut += ns_;
-        ut += "row>";
+        lukkTagg(ut, "row");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "sheetData>";
+    lukkTagg(ut, "sheetData");
     ut += bak_;
     return ut;
 }

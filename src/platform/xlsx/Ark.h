@@ -90,6 +90,8 @@ private:
     void endring() { endret_ = true; ++gen_; }
     formel::Resultat verdiAv(Celle& c);
     void finnDelteFormler();
+    void apneTagg(std::string& ut, const char* navn) const;
+    void lukkTagg(std::string& ut, const char* navn) const;
     void skrivCelle(std::string& ut, int rad, Celle& c);
 
     Bokdeler& bok_;
