@@ -85,7 +85,7 @@ static lxw_chart *spredningsdiagram(lxw_workbook *bok, const char *tittel, const
     chart_title_set_name(d, tittel);
     chart_axis_set_name(d->x_axis, xTittel);
     chart_axis_set_name(d->y_axis, "Ionestrøm (A)");
-    chart_axis_set_num_format(d->y_axis, "0.0E+00");
+    chart_axis_set_num_format(d->y_axis, "0.00E+00");
     chart_axis_set_num_format(d->x_axis, "0");
     chart_axis_major_gridlines_set_visible(d->x_axis, LXW_TRUE);
     chart_legend_set_position(d, LXW_CHART_LEGEND_BOTTOM);
@@ -295,7 +295,7 @@ static void lagArealer(const char *mappe) {
     chart_title_set_name(d, "CO2-areal per syklus");
     chart_axis_set_name(d->x_axis, "Syklus");
     chart_axis_set_name(d->y_axis, "CO2-areal (A·min)");
-    chart_axis_set_num_format(d->y_axis, "0.0E+00");
+    chart_axis_set_num_format(d->y_axis, "0.00E+00");
     chart_legend_set_position(d, LXW_CHART_LEGEND_NONE);
     lxw_chart_series *serie = chart_add_series(d, NULL, NULL);
     chart_series_set_categories(serie, "Arealer", 1, 0, AREAL_SYKLUSER, 0);
