@@ -387,6 +387,20 @@ void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::funct
 
 // ---------------------------------------------------------------- writing
 
+void Ark::apneTagg(std::string& ut, const char* navn) const {
+    ut += '<';
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
+void Ark::lukkTagg(std::string& ut, const char* navn) const {
+    ut += "</";
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
 void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     ut += "<";
     ut += ns_;
@@ -443,15 +457,31 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     }
     ut += '>';
     if (c.formel) {
+        const FormelDel& f = *c.formel;
         ut += '<';
         ut += ns_;
         ut += 'f';
-        ut += c.formel->attr;
-        ut += '>';
-        escape(ut, c.formel->tekst, false);
-        ut += "</";
-        ut += ns_;
-        ut += "f>";
+        ut += f.attr;
+        if (f.delt >= 0) {
+            ut += " t=\"shared\"";
+            if (f.deltTil > rad) {
+                ut += " ref=\"";
+                leggTilAdresse(ut, rad, c.kol);
+                ut += ':';
+                leggTilAdresse(ut, f.deltTil, c.kol);
+                ut += '"';
+            }
+            ut += " si=\"";
+            leggTilHeltall(ut, f.delt);
+            ut += '"';
+        }
+        if (f.delt >= 0 && f.deltTil <= rad) {
+            ut += "/>";
+        } else {
+            ut += '>';
+            escape(ut, f.tekst, false);
+            lukkTagg(ut, "f");
+        }
     }
     if (!c.formel && c.art == Celle::Tekst) {
         const std::string& t = c.tekst;
@@ -460,30 +490,53 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         ut += ns_;
         ut += bevar ? "is><" + ns_ + "t xml:space=\"preserve\">" : "is><" + ns_ + "t>";
         escape(ut, t, false);
-        ut += "</";
-        ut += ns_;
-        ut += "t></";
-        ut += ns_;
-        ut += "is>";
+        lukkTagg(ut, "t");
+        lukkTagg(ut, "is");
     } else if (rik) {
         ut += c.tekst;
     } else if (harV) {
-        ut += '<';
-        ut += ns_;
-        ut += "v>";
+        apneTagg(ut, "v");
         ut += verdi;
-        ut += "</";
-        ut += ns_;
-        ut += "v>";
+        lukkTagg(ut, "v");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "c>";
+    lukkTagg(ut, "c");
+}
+
+// Runs of cells down a column whose formulas differ only by their row are written as one
+// shared formula: its text once, in the first cell.
+void Ark::finnDelteFormler() {
+    struct Lop {
+        const formel::Uttrykk* tre = nullptr;
+        int sisteRad = 0;
+        FormelDel* forste = nullptr;
+    };
+    std::map<int, Lop> lop;
+    int neste = 0;
+    for (auto& [nr, rad] : rader_) {
+        for (Celle& c : rad.celler) {
+            if (!c.formel) continue;
+            FormelDel& f = *c.formel;
+            f.delt = -1;
+            f.deltTil = 0;
+            if (!f.attr.empty()) continue;
+            if (!f.tre) f.tre = tolkelager_.hent(f.tekst, f.rad, c.kol);
+            Lop& l = lop[c.kol];
+            if (l.tre == f.tre.get() && l.sisteRad == nr - 1) {
+                if (l.forste->delt < 0) l.forste->delt = neste++;
+                l.forste->deltTil = nr;
+                f.delt = l.forste->delt;
+                l.sisteRad = nr;
+            } else {
+                l = {f.tre.get(), nr, &f};
+            }
+        }
+    }
 }
 
 std::string Ark::skriv() {
     last();
     ++gen_; // every formula is computed anew for the file
+    finnDelteFormler();
     int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
     size_t antall = 0;
     for (auto& [nr, rad] : rader_) {
@@ -512,9 +565,7 @@ std::string Ark::skriv() {
             ut.replace(a + 5, e - a - 5, ref);
         }
     }
-    ut += '<';
-    ut += ns_;
-    ut += "sheetData>";
+    apneTagg(ut, "sheetData");
     for (auto& [nr, rad] : rader_) {
         if (rad.celler.empty() && rad.attr.empty()) continue;
         ut += '<';
@@ -529,13 +580,9 @@ std::string Ark::skriv() {
         }
         ut += '>';
         for (Celle& c : rad.celler) skrivCelle(ut, nr, c);
-        ut += "</";
-        ut += ns_;
-        ut += "row>";
+        lukkTagg(ut, "row");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "sheetData>";
+    lukkTagg(ut, "sheetData");
     ut += bak_;
     return ut;
 }

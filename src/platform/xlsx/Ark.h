@@ -51,6 +51,9 @@ private:
         uint64_t gen = 0;
         bool underveis = false;
         formel::Resultat verdi;
+        // Written as a shared formula: its number, and for the first cell the last row of the run.
+        int delt = -1;
+        int deltTil = 0;
     };
     struct Celle {
         enum Art : unsigned char { Tom, Tall, Tekst, Delt, Logisk, Feil, Rik };
@@ -86,6 +89,9 @@ private:
     void fjernFormel(Celle& c);
     void endring() { endret_ = true; ++gen_; }
     formel::Resultat verdiAv(Celle& c);
+    void finnDelteFormler();
+    void apneTagg(std::string& ut, const char* navn) const;
+    void lukkTagg(std::string& ut, const char* navn) const;
     void skrivCelle(std::string& ut, int rad, Celle& c);
 
     Bokdeler& bok_;
