@@ -146,7 +146,7 @@ void Ark::last() {
             if (!formel::lesAdresse(c.attribute("r").value(), rr, kolNr)) ++kolNr;
             Celle celle;
             celle.kol = kolNr;
-            celle.stil = c.attribute("s").value();
+            celle.stil = c.attribute("s") ? static_cast<long>(c.attribute("s").as_uint()) : -1;
             attributter(celle.ekstra, c, {"r", "s", "t"});
             std::string_view t = c.attribute("t").value();
             pugi::xml_node v = barn(c, "v");
@@ -229,6 +229,7 @@ Ark::Celle& Ark::hent(int rad, int kol) {
         sist_ = rader_.empty() || rader_.rbegin()->first < rad ? rader_.emplace_hint(rader_.end(), rad, Rad{})
                                                                 : rader_.try_emplace(rad).first;
     auto& v = sist_->second.celler;
+    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size())); // rows fill up cell by cell
     if (v.empty() || v.back().kol < kol) {
         v.emplace_back().kol = kol;
         return v.back();
@@ -257,7 +258,7 @@ void Ark::settCelle(int rad, int kolonne, const Verdi& verdi) {
         Celle* c = finn(rad, kolonne);
         if (!c) return;
         fjernFormel(*c);
-        if (c->stil.empty() && c->ekstra.empty()) {
+        if (c->stil < 0 && c->ekstra.empty()) {
             tomCelle(rad, kolonne);
             return;
         }
@@ -322,7 +323,7 @@ void Ark::tomRad(int rad) {
         c.tekst.clear();
     }
     // Formatting stays: a styled cell remains as an empty cell.
-    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil.empty() && c.ekstra.empty(); }),
+    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra.empty(); }),
             v.end());
 }
 
@@ -407,9 +408,9 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     ut += "c r=\"";
     leggTilAdresse(ut, rad, c.kol);
     ut += '"';
-    if (!c.stil.empty()) {
+    if (c.stil >= 0) {
         ut += " s=\"";
-        ut += c.stil;
+        leggTilHeltall(ut, c.stil);
         ut += '"';
     }
     // Type attribute and value element.
