@@ -1,6 +1,6 @@
 // Builds the program folder for the single-cycle export bench: a Data.mdb with CYCLES cycles
 // of ROWS rows each at 2 s steps, SnuPunkter.txt, Kolonner.txt and Oppsett.txt, and the same
-// rows as rader.csv (cycle;A;C..K) for the peer programs that write the same cells.
+// rows as rader.csv (cycle;A;C..K) for the openpyxl peer, which writes the same cells.
 //   bench_enkeltgraf_data FOLDER [CYCLES ROWS]
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
@@ -67,10 +67,11 @@ int main(int argc, char** argv)
             sqlite3_bind_text(inn, 1, iso.constData(), static_cast<int>(iso.size()), SQLITE_TRANSIENT);
             sqlite3_bind_text(inn, 2, tekst.constData(), static_cast<int>(tekst.size()), SQLITE_TRANSIENT);
             for (int c = 0; c < 9; ++c) {
-                const double v = (c + 1) * 1e-11 * (1.0 + 0.5 * ((r * (c + 3)) % 97) / 97.0);
-                sqlite3_bind_double(inn, 3 + c, v);
+                // Ion currents as the logger writes them: four significant digits.
                 char tall[32];
-                std::snprintf(tall, sizeof tall, ";%.17g", v);
+                std::snprintf(tall, sizeof tall, "%.3E", (c + 1) * 1e-11 * (1.0 + 0.5 * ((r * (c + 3)) % 97) / 97.0));
+                sqlite3_bind_double(inn, 3 + c, std::strtod(tall, nullptr));
+                linje += ';';
                 linje += tall;
             }
             if (sqlite3_step(inn) != SQLITE_DONE) return 1;

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 int main(int argc, char** argv) {
     if (argc < 3) {
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
     const int sykluser = argc > 3 ? std::atoi(argv[3]) : 30;
     const int rader = argc > 4 ? std::atoi(argv[4]) : 4000;
     auto start = std::chrono::steady_clock::now();
+    std::clock_t cpu = std::clock();
     for (int s = 1; s <= sykluser; ++s) {
         auto bok = xlsx::apne(mal);
         auto& ark = bok->ark(1);
@@ -34,6 +36,7 @@ int main(int argc, char** argv) {
         bok->lagreSom(ut + QStringLiteral("/tolvik_%1.xlsx").arg(s));
     }
     double sek = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::printf("%.3f\n", sek);
+    // Wall time and processor time: on a shared machine the second is the steadier figure.
+    std::printf("%.3f %.3f\n", sek, double(std::clock() - cpu) / CLOCKS_PER_SEC);
     return 0;
 }

@@ -31,15 +31,28 @@ static void minuttdifferanse(char *ut, size_t n, int rad, int forste) {
              rad, forste);
 }
 
-/* Minutes of row rad after the time in row forste, plus the offset in cell start ("$O$1"):
- * #N/A for a row without time, so charts leave it out. */
-static void minuttformel(char *ut, size_t n, int rad, int forste, const char *start) {
+/* Clock minutes of the time text in row rad, counted from 7 July 2009 (day 40000): a
+ * hidden helper column, so that each row's elapsed minutes are one subtraction. At
+ * today's dates the value stays below 10^7 minutes, far inside double precision. */
+static void klokkeformel(char *ut, size_t n, int rad) {
+    snprintf(ut, n,
+             "=(DATE(VALUE(MID(A%1$d,1,4)),VALUE(MID(A%1$d,6,2)),VALUE(MID(A%1$d,9,2)))-40000)*1440"
+             "+VALUE(MID(A%1$d,13,2))*60+VALUE(MID(A%1$d,16,2))+VALUE(MID(A%1$d,19,2))/60",
+             rad);
+}
+
+/* Elapsed minutes from the clock column: the offset cell plus this row's clock minus the
+ * first row's; #N/A for a row without time, so charts leave it out. */
+static void forlopformel(char *ut, size_t n, int rad, const char *start, char klokke, int forste) {
+    snprintf(ut, n, "=IF(A%d=\"\",NA(),%s+%c%d-$%c$%d)", rad, start, klokke, rad, klokke, forste);
+}
+
+/* Minutes of row rad after the time in row forste in one formula (the combined workbook,
+ * whose columns right of the cycles must stay free): #N/A for a row without time. */
+static void minuttformel(char *ut, size_t n, int rad, int forste) {
     char d[1000];
     minuttdifferanse(d, sizeof d, rad, forste);
-    if (start)
-        snprintf(ut, n, "=IF(A%d=\"\",NA(),%s+%s)", rad, start, d);
-    else
-        snprintf(ut, n, "=IF(A%d=\"\",NA(),%s)", rad, d);
+    snprintf(ut, n, "=IF(A%d=\"\",NA(),%s)", rad, d);
 }
 
 typedef struct {
@@ -68,12 +81,27 @@ static Stiler lagStiler(lxw_workbook *bok) {
     return s;
 }
 
+/* Column widths and formats: first and last column (from 0), width, format. */
+typedef struct {
+    int fra, til;
+    double bredde;
+    lxw_format *format;
+    int skjult;
+} Kolonne;
+
+static void kolonner(lxw_worksheet *ark, const Kolonne *k, int antall) {
+    for (int i = 0; i < antall; ++i) {
+        lxw_row_col_options o = {.hidden = (uint8_t)k[i].skjult};
+        worksheet_set_column_opt(ark, (lxw_col_t)k[i].fra, (lxw_col_t)k[i].til, k[i].bredde, k[i].format, &o);
+    }
+}
+
 static lxw_chart *spredningsdiagram(lxw_workbook *bok, const char *tittel, const char *xTittel) {
     lxw_chart *d = workbook_add_chart(bok, LXW_CHART_SCATTER_STRAIGHT);
     chart_title_set_name(d, tittel);
     chart_axis_set_name(d->x_axis, xTittel);
     chart_axis_set_name(d->y_axis, "Ionestrøm (A)");
-    chart_axis_set_num_format(d->y_axis, "0.0E+00");
+    chart_axis_set_num_format(d->y_axis, "0.00E+00");
     chart_axis_set_num_format(d->x_axis, "0");
     chart_axis_major_gridlines_set_visible(d->x_axis, LXW_TRUE);
     chart_legend_set_position(d, LXW_CHART_LEGEND_BOTTOM);
@@ -135,17 +163,17 @@ static void lagSykluser(const char *mappe) {
     worksheet_write_string(data, 0, 11, "Merknad", s.overskrift);
     worksheet_write_string(data, 0, 13, "Start (min fra datastart)", s.overskrift);
     worksheet_write_number(data, 0, 14, 0, s.merke);
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, 10, 12, s.tall);
-    worksheet_set_column(data, 11, 11, 14, NULL);
-    worksheet_set_column(data, 13, 13, 16, NULL);
-    worksheet_set_column(data, 14, 14, 10, NULL);
+    worksheet_write_string(data, 0, 12, "Klokke (min)", s.overskrift);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 10, 12, s.tall}, {11, 11, 14, NULL},
+                               {12, 12, 12, NULL, 1}, {13, 13, 16, NULL}, {14, 14, 10, NULL}};
+    kolonner(data, bredder, 7);
     worksheet_freeze_panes(data, 1, 1);
     for (int rad = 2; rad <= SYKLUS_RADER + 1; ++rad) {
         char f[1000];
-        minuttformel(f, sizeof f, rad, 2, "$O$1");
+        forlopformel(f, sizeof f, rad, "$O$1", 'M', 2);
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
+        klokkeformel(f, sizeof f, rad);
+        worksheet_write_formula(data, (lxw_row_t)(rad - 1), 12, f, NULL);
     }
 
     lxw_chart *co2 = spredningsdiagram(bok, "Syklus – kanal C", "Minutter fra datastart");
@@ -206,13 +234,12 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
         snprintf(h, sizeof h, "Cycle nr.%d", k);
         worksheet_write_string(data, 0, (lxw_col_t)(k + 1), h, s.overskrift);
     }
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, SAMLE_SYKLUSER + 1, 12, s.tall);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, SAMLE_SYKLUSER + 1, 12, s.tall}};
+    kolonner(data, bredder, 3);
     worksheet_freeze_panes(data, 1, 2);
     for (int rad = 2; rad <= SAMLE_SISTE_RAD; ++rad) {
         char f[1000];
-        minuttformel(f, sizeof f, rad, 2, NULL);
+        minuttformel(f, sizeof f, rad, 2);
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
     }
     lxw_chart *d = spredningsdiagram(bok, tittel, "Minutter fra nullpunkt");
@@ -237,22 +264,18 @@ static void lagIntegrering(const char *mappe) {
     worksheet_set_row(data, 1, 30, NULL);
     worksheet_write_string(data, 0, 0, "CO2-integrering av desorpsjonstoppen", tittel);
     const char *overskrifter[] = {"Dato og tid", "Minutter fra datastart", "CO2", "CO2 over startnivå",
-                                  "Kutt (0)", "Halv endring", "Arealbit (A·min)"};
-    for (int k = 0; k < 7; ++k) worksheet_write_string(data, 1, (lxw_col_t)k, overskrifter[k], s.overskrift);
+                                  "Kutt (0)", "Halv endring", "Arealbit (A·min)", "Klokke (min)"};
+    for (int k = 0; k < 8; ++k) worksheet_write_string(data, 1, (lxw_col_t)k, overskrifter[k], s.overskrift);
     worksheet_write_string(data, 1, 9, "Start (min)", s.overskrift);
     worksheet_write_number(data, 1, 10, 0, s.merke);
-    worksheet_set_column(data, 0, 0, 24, s.tekst);
-    worksheet_set_column(data, 1, 1, 12, s.minutter);
-    worksheet_set_column(data, 2, 3, 13, s.tall);
-    worksheet_set_column(data, 4, 4, 8, NULL);
-    worksheet_set_column(data, 5, 6, 13, s.tall);
-    worksheet_set_column(data, 9, 10, 12, NULL);
-    worksheet_set_column(data, 11, 11, 18, s.tall);
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 3, 13, s.tall}, {4, 4, 8, NULL},
+                               {5, 6, 13, s.tall},  {7, 7, 12, NULL, 1},    {9, 10, 12, NULL},    {11, 11, 18, s.tall}};
+    kolonner(data, bredder, 8);
     worksheet_freeze_panes(data, 2, 1);
     for (int rad = 3; rad <= INTEGRERING_SISTE_RAD; ++rad) {
         char f[1000];
         lxw_row_t r = (lxw_row_t)(rad - 1);
-        minuttformel(f, sizeof f, rad, 3, "$K$2");
+        forlopformel(f, sizeof f, rad, "$K$2", 'H', 3);
         worksheet_write_formula(data, r, 1, f, s.minutter);
         snprintf(f, sizeof f, "=IF(C%d=\"\",0,C%d-$C$3)", rad, rad);
         worksheet_write_formula(data, r, 3, f, s.tall);
@@ -261,6 +284,8 @@ static void lagIntegrering(const char *mappe) {
         else
             snprintf(f, sizeof f, "=(D%d+D%d)/2*(B%d-B%d)", rad - 1, rad, rad, rad - 1);
         worksheet_write_formula(data, r, 6, f, s.tall);
+        klokkeformel(f, sizeof f, rad);
+        worksheet_write_formula(data, r, 7, f, NULL);
         if (rad == 16) worksheet_write_string(data, r, 11, "CO2-areal (A·min)", s.overskrift);
         if (rad == 17) {
             snprintf(f, sizeof f, "=SUM(G3:G%d)", INTEGRERING_SISTE_RAD);
@@ -291,7 +316,7 @@ static void lagArealer(const char *mappe) {
     chart_title_set_name(d, "CO2-areal per syklus");
     chart_axis_set_name(d->x_axis, "Syklus");
     chart_axis_set_name(d->y_axis, "CO2-areal (A·min)");
-    chart_axis_set_num_format(d->y_axis, "0.0E+00");
+    chart_axis_set_num_format(d->y_axis, "0.00E+00");
     chart_legend_set_position(d, LXW_CHART_LEGEND_NONE);
     lxw_chart_series *serie = chart_add_series(d, NULL, NULL);
     chart_series_set_categories(serie, "Arealer", 1, 0, AREAL_SYKLUSER, 0);

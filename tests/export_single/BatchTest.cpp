@@ -58,11 +58,11 @@ TEST_F(Batch, UtfallOgBruksfeil)
     EXPECT_EQ(kjor({"test"}).status, 1);
     EXPECT_EQ(kjor({"edit-title", "--single", "--title", "X"}).status, 1);
 
-    EXPECT_EQ(kjor({"edit-title", "--title", "X"}).status, 2);
-    EXPECT_EQ(kjor({"edit-title", "--single", "--combined", "--title", "X"}).status, 2);
-    EXPECT_EQ(kjor({"edit-title", "--single"}).status, 2);
-    EXPECT_EQ(kjor({"export-single"}).status, 2);
-    EXPECT_EQ(kjor({"test", "--ekstra"}).status, 2);
+    for (const QStringList& galt : {QStringList{"edit-title", "--title", "X"},
+                                    QStringList{"edit-title", "--single", "--combined", "--title", "X"},
+                                    QStringList{"edit-title", "--single"}, QStringList{"export-single"},
+                                    QStringList{"test", "--ekstra"}})
+        EXPECT_EQ(kjor(galt).status, 2) << galt.join(' ').toStdString();
 }
 
 } // namespace

@@ -5,9 +5,11 @@
 #include "export/Eksport.h"
 #include "files/Tekstfil.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QPushButton>
 
 using ui::Boks;
 using ui::SkriptDialogs;
@@ -116,13 +118,13 @@ TEST_F(Enkeltgraf, ForeslattPrefiksGirDobbeltUnderstrekOgEksisterendeFilErstatte
     sjekkSyklus(navn, Snupunkter[0], 58.5, 58);
 }
 
-TEST_F(Enkeltgraf, AvslagOgAvbruddSkriverIngenting)
+TEST_F(Enkeltgraf, AvslagAvbruddOgTomTabell)
 {
-    // No turning points yet: refused before anything else, no output folder.
-    rader(0, 10 * Minutt, 30);
-    EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
+    // No turning points yet: refused before anything else, no output folder. (The button itself.)
+    form().findChild<QPushButton*>(QStringLiteral("Command3"))->click();
     EXPECT_EQ(dialogs.meldinger(), QStringList({"Du må først finne antall sykluser"}));
-    EXPECT_FALSE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).exists());
+    const QDir utmappe(mappe.sti(QStringLiteral("Data_Bearbeidet")));
+    EXPECT_FALSE(utmappe.exists());
 
     // Nothing imported: the chooser is empty.
     snupunkter(Snupunkter);
@@ -130,16 +132,19 @@ TEST_F(Enkeltgraf, AvslagOgAvbruddSkriverIngenting)
     form().settKolonner({});
     EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Ingen data importert"));
-    EXPECT_FALSE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).exists());
+    EXPECT_FALSE(utmappe.exists());
     form().settKolonner(kolonner);
 
     // No to the question, then an empty prefix: silent ends, the folder is made all the same.
-    const size_t for_ = dialogs.dialoger().size();
     dialogs.svar(ui::Svar::Nei);
     EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
     EXPECT_EQ(eksporter(QString()), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.dialoger().size(), for_ + 3);  // question; question and prefix box
-    EXPECT_TRUE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).exists());
+    EXPECT_EQ(dialogs.dialoger().size(), 5u);  // two refusals; question; question and prefix box
+    EXPECT_TRUE(utmappe.exists());
+
+    // An empty table has no data start time.
+    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
     EXPECT_TRUE(utfiler().isEmpty());
     EXPECT_FALSE(dialogs.ubrukteSvar());
 }
@@ -210,17 +215,10 @@ TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMelding)
 
     EXPECT_EQ(utfiler(), QStringList({"A_1.xlsx", "A_2.xlsx", "A_3.xlsx"}));
     EXPECT_FALSE(dialogs.ubrukteSvar());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(Enkeltgraf, TomTabellErEnFeil)
-{
-    form();
-    snupunkter(Snupunkter);
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
-}
-
-TEST_F(Enkeltgraf, OdelagtMalGirFeilOgLaMalenVaere)
+TEST_F(Enkeltgraf, OdelagtMalEllerSperretUtfilGirFeilOgOdeleggerIngenting)
 {
     fyll();
     sett(Boks::Text4, QStringLiteral("1"));
@@ -230,6 +228,31 @@ TEST_F(Enkeltgraf, OdelagtMalGirFeilOgLaMalenVaere)
     EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
     EXPECT_EQ(mappe.les(eksport::MalSykluser), QByteArray("ikke en arbeidsbok"));
     EXPECT_TRUE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
+
+    // A workbook with a single chart on its second sheet fails at the second axis.
+    QFile::remove(mappe.sti(eksport::MalSykluser));
+    QFile::copy(mappe.sti(eksport::MalAdsorpsjon), mappe.sti(eksport::MalSykluser));
+    const QByteArray enGraf = mappe.les(eksport::MalSykluser);
+    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
+    EXPECT_TRUE(utfiler().isEmpty());
+
+    // A write-protected output file is not replaced.
+    QFile::remove(mappe.sti(eksport::MalSykluser));
+    QFile::copy(QStringLiteral(TOLVIK_DIST "/Mal_Sykluser.xlsx"), mappe.sti(eksport::MalSykluser));
+    const QString fil = ut(QStringLiteral("P_1.xlsx"));
+    filer::SkrivTilFil(fil, QStringLiteral("beskyttet"));
+    QFile::setPermissions(fil, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(innhold(fil), QByteArray("beskyttet\r\n"));
+
+    // A folder in the file's place cannot be replaced either.
+    QDir().mkdir(ut(QStringLiteral("Q_1.xlsx")));
+    EXPECT_EQ(eksporter(QStringLiteral("Q")), Utfall::Avvist);
+    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(utfiler(), QStringList({"P_1.xlsx"}));
 }
 
 TEST_F(Enkeltgraf, RadtellerenTalerIkkeMerEnn32767)

@@ -11,7 +11,8 @@ def tittel(diagram):
     t = diagram.title
     if t is None or t.tx is None or t.tx.rich is None:
         return None
-    return "".join(r.t for p in t.tx.rich.p for r in (p.r or []))
+    # openpyxl reads an empty run <a:t></a:t> as the text "None".
+    return "".join(r.t for p in t.tx.rich.p for r in (p.r or []) if r.t not in (None, "None"))
 
 
 bok = openpyxl.load_workbook(sys.argv[1])

@@ -300,6 +300,13 @@ private:
 
         static std::atomic<int> teller{0};
         std::string mal = tekst(sti);
+        // A write-protected file is not replaced, as the spreadsheet application would not either.
+        using std::filesystem::perms;
+        std::error_code sc;
+        const auto status = std::filesystem::status(mal, sc);
+        if (!sc && std::filesystem::is_regular_file(status) &&
+            (status.permissions() & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none)
+            throw XlsxFeil("Kan ikke lagre " + mal + ": fila er skrivebeskyttet");
         std::string tmp = mal + ".tmp" + std::to_string(::getpid()) + "_" + std::to_string(++teller);
         int feil = 0;
         zip_t* ut = zip_open(tmp.c_str(), ZIP_CREATE | ZIP_EXCL, &feil);

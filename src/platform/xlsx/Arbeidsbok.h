@@ -36,7 +36,8 @@ public:
     virtual ~Arbeidsark() = default;
     // Row and column from 1.
     virtual void settCelle(int rad, int kolonne, const Verdi& verdi) = 0;
-    // The cell's value; a formula cell gives its computed value.
+    // The cell's value; a formula cell gives its computed value (an error value as its
+    // text, "#N/A", "#DIV/0!"...).
     virtual Verdi celle(int rad, int kolonne) = 0;
     // A formula in an A1 address, written as the program builds it ("= sum(G3:G57)").
     virtual void settFormel(const QString& adresse, const QString& formel) = 0;
@@ -55,8 +56,10 @@ public:
     virtual Arbeidsark& ark(int posisjon) = 0;
     // Saves under a new path; .xlsx or .xlsm decides the package's content type. The file is
     // written under a temporary name and renamed, so a failed save leaves no half-written file.
+    // From then on the workbook belongs to the new path, as in a spreadsheet application.
     virtual void lagreSom(const QString& sti) = 0;
-    // Saves over the file it was opened from (close with saving).
+    // Saves over the file it was opened from, or last saved as (close with saving).
+    // Closing without saving is dropping the object.
     virtual void lagre() = 0;
 };
 

@@ -146,7 +146,7 @@ void Ark::last() {
             if (!formel::lesAdresse(c.attribute("r").value(), rr, kolNr)) ++kolNr;
             Celle celle;
             celle.kol = kolNr;
-            celle.stil = c.attribute("s").value();
+            celle.stil = c.attribute("s") ? static_cast<long>(c.attribute("s").as_uint()) : -1;
             attributter(celle.ekstra, c, {"r", "s", "t"});
             std::string_view t = c.attribute("t").value();
             pugi::xml_node v = barn(c, "v");
@@ -229,6 +229,7 @@ Ark::Celle& Ark::hent(int rad, int kol) {
         sist_ = rader_.empty() || rader_.rbegin()->first < rad ? rader_.emplace_hint(rader_.end(), rad, Rad{})
                                                                 : rader_.try_emplace(rad).first;
     auto& v = sist_->second.celler;
+    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size())); // rows fill up cell by cell
     if (v.empty() || v.back().kol < kol) {
         v.emplace_back().kol = kol;
         return v.back();
@@ -257,7 +258,7 @@ void Ark::settCelle(int rad, int kolonne, const Verdi& verdi) {
         Celle* c = finn(rad, kolonne);
         if (!c) return;
         fjernFormel(*c);
-        if (c->stil.empty() && c->ekstra.empty()) {
+        if (c->stil < 0 && c->ekstra.empty()) {
             tomCelle(rad, kolonne);
             return;
         }
@@ -322,7 +323,7 @@ void Ark::tomRad(int rad) {
         c.tekst.clear();
     }
     // Formatting stays: a styled cell remains as an empty cell.
-    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil.empty() && c.ekstra.empty(); }),
+    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra.empty(); }),
             v.end());
 }
 
@@ -387,15 +388,29 @@ void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::funct
 
 // ---------------------------------------------------------------- writing
 
+void Ark::apneTagg(std::string& ut, const char* navn) const {
+    ut += '<';
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
+void Ark::lukkTagg(std::string& ut, const char* navn) const {
+    ut += "</";
+    ut += ns_;
+    ut += navn;
+    ut += '>';
+}
+
 void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     ut += "<";
     ut += ns_;
     ut += "c r=\"";
     leggTilAdresse(ut, rad, c.kol);
     ut += '"';
-    if (!c.stil.empty()) {
+    if (c.stil >= 0) {
         ut += " s=\"";
-        ut += c.stil;
+        leggTilHeltall(ut, c.stil);
         ut += '"';
     }
     // Type attribute and value element.
@@ -466,9 +481,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         } else {
             ut += '>';
             escape(ut, f.tekst, false);
-            ut += "</";
-            ut += ns_;
-            ut += "f>";
+            lukkTagg(ut, "f");
         }
     }
     if (!c.formel && c.art == Celle::Tekst) {
@@ -478,25 +491,16 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         ut += ns_;
         ut += bevar ? "is><" + ns_ + "t xml:space=\"preserve\">" : "is><" + ns_ + "t>";
         escape(ut, t, false);
-        ut += "</";
-        ut += ns_;
-        ut += "t></";
-        ut += ns_;
-        ut += "is>";
+        lukkTagg(ut, "t");
+        lukkTagg(ut, "is");
     } else if (rik) {
         ut += c.tekst;
     } else if (harV) {
-        ut += '<';
-        ut += ns_;
-        ut += "v>";
+        apneTagg(ut, "v");
         ut += verdi;
-        ut += "</";
-        ut += ns_;
-        ut += "v>";
+        lukkTagg(ut, "v");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "c>";
+    lukkTagg(ut, "c");
 }
 
 // Runs of cells down a column whose formulas differ only by their row are written as one
@@ -562,9 +566,7 @@ std::string Ark::skriv() {
             ut.replace(a + 5, e - a - 5, ref);
         }
     }
-    ut += '<';
-    ut += ns_;
-    ut += "sheetData>";
+    apneTagg(ut, "sheetData");
     for (auto& [nr, rad] : rader_) {
         if (rad.celler.empty() && rad.attr.empty()) continue;
         ut += '<';
@@ -579,13 +581,9 @@ std::string Ark::skriv() {
         }
         ut += '>';
         for (Celle& c : rad.celler) skrivCelle(ut, nr, c);
-        ut += "</";
-        ut += ns_;
-        ut += "row>";
+        lukkTagg(ut, "row");
     }
-    ut += "</";
-    ut += ns_;
-    ut += "sheetData>";
+    lukkTagg(ut, "sheetData");
     ut += bak_;
     return ut;
 }

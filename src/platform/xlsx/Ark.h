@@ -61,7 +61,7 @@ private:
         Art art = Tom;
         double tall = 0;    // number, logical, shared-string index
         std::string tekst;  // text, error code, or the raw <is> element of rich text
-        std::string stil;   // s attribute
+        long stil = -1;     // s attribute, the index of the cell format; -1 without
         std::string ekstra; // other attributes of <c>, raw
         std::unique_ptr<FormelDel> formel;
     };
@@ -90,6 +90,8 @@ private:
     void endring() { endret_ = true; ++gen_; }
     formel::Resultat verdiAv(Celle& c);
     void finnDelteFormler();
+    void apneTagg(std::string& ut, const char* navn) const;
+    void lukkTagg(std::string& ut, const char* navn) const;
     void skrivCelle(std::string& ut, int rad, Celle& c);
 
     Bokdeler& bok_;

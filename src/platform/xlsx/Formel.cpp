@@ -246,48 +246,21 @@ private:
         return ny(std::move(n));
     }
 
-    int sammenligning() {
-        int a = sammenkjeding();
+    // One level of left-associative binary operators: operands from the next level down.
+    int niva(int (Tolker::*neste)(), std::initializer_list<std::string_view> operatorer) {
+        int a = (this->*neste)();
         while (ok_ && se().art == Token::Op &&
-               (se().tekst == "=" || se().tekst == "<>" || se().tekst == "<" || se().tekst == ">" ||
-                se().tekst == "<=" || se().tekst == ">=")) {
+               std::find(operatorer.begin(), operatorer.end(), se().tekst) != operatorer.end()) {
             std::string op(tok_[pos_++].tekst);
-            a = binaer(op, a, sammenkjeding());
+            a = binaer(op, a, (this->*neste)());
         }
         return a;
     }
-    int sammenkjeding() {
-        int a = sum();
-        while (ok_ && erOp("&")) {
-            ++pos_;
-            a = binaer("&", a, sum());
-        }
-        return a;
-    }
-    int sum() {
-        int a = produkt();
-        while (ok_ && (erOp("+") || erOp("-"))) {
-            std::string op(tok_[pos_++].tekst);
-            a = binaer(op, a, produkt());
-        }
-        return a;
-    }
-    int produkt() {
-        int a = potens();
-        while (ok_ && (erOp("*") || erOp("/"))) {
-            std::string op(tok_[pos_++].tekst);
-            a = binaer(op, a, potens());
-        }
-        return a;
-    }
-    int potens() {
-        int a = fortegn();
-        while (ok_ && erOp("^")) {
-            ++pos_;
-            a = binaer("^", a, fortegn());
-        }
-        return a;
-    }
+    int sammenligning() { return niva(&Tolker::sammenkjeding, {"=", "<>", "<", ">", "<=", ">="}); }
+    int sammenkjeding() { return niva(&Tolker::sum, {"&"}); }
+    int sum() { return niva(&Tolker::produkt, {"+", "-"}); }
+    int produkt() { return niva(&Tolker::potens, {"*", "/"}); }
+    int potens() { return niva(&Tolker::fortegn, {"^"}); }
     int fortegn() {
         if (erOp("-") || erOp("+")) {
             bool minus = se().tekst == "-";
