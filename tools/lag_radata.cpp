@@ -4,10 +4,10 @@
 //   lag_radata [--lines N | --hours H] [--channels C] [--seed S]
 //              [--interval SEK] [--startup MIN] OUTFILE
 //
-// Header "Date,Time,CO2,N2,...," then one line per logged sample "2013/01/07,08:00:02,
+// Header "Date,Time,N2,O2,Ar,CO2,...," then one line per logged sample "2013/01/07,08:00:02,
 // 4.9981E-09,...," (CR LF, trailing comma) with ion currents in E-notation. The rig first runs
-// a start-up period (pump-down, signals settling), then cycles of 200 minutes: CO2 (the first
-// channel) falls to a low plateau about 2500 times below its feed level while the sorbent takes
+// a start-up period (pump-down, signals settling), then cycles of 200 minutes: CO2 (the fourth
+// channel, column F as the lab's logger has it; the last one in a narrower file) falls to a low plateau about 2500 times below its feed level while the sorbent takes
 // it up, then rises again through breakthrough into the desorption peak and settles back to the
 // feed level. Samples come every SEK seconds (default 2) with a little jitter; now and then the
 // logger misses 20 to 90 seconds, never inside a plateau, so a plateau stays one run of rows.
@@ -15,6 +15,7 @@
 // --hours H gives H hours of samples. --lines N gives N lines; when N samples at the interval
 // would span more than 30 cycles, the interval shrinks so that the file holds the start-up,
 // 30 whole cycles and the plateau of a 31st (for 1 000 000 lines about 0.38 s per line).
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -35,8 +36,18 @@ struct Kanal {
     double niva;  // feed level, A
 };
 
-const Kanal Kanaler[] = {{"CO2", 5.0e-9},   {"N2", 1.2e-8},  {"O2", 3.1e-9},  {"Ar", 1.4e-10}, {"H2O", 6.0e-11},
-                         {"He", 2.2e-11},   {"CH4", 8.5e-12}, {"CO", 4.0e-12}, {"H2", 2.5e-12}, {"NO", 9.0e-13}};
+const Kanal Kanaler[] = {{"N2", 1.2e-8},  {"O2", 3.1e-9},  {"Ar", 1.4e-10}, {"CO2", 5.0e-9}, {"H2O", 6.0e-11},
+                         {"He", 2.2e-11}, {"CH4", 8.5e-12}, {"CO", 4.0e-12}, {"H2", 2.5e-12}, {"NO", 9.0e-13}};
+constexpr int Co2Plass = 3;
+
+// Table entry of the file's channel k: CO2 stands fourth, or last in a narrower file.
+int kanal(int k, int kanaler)
+{
+    const int co2 = std::min(Co2Plass, kanaler - 1);
+    if (k == co2) return Co2Plass;
+    const int annen = k < co2 ? k : k - 1;
+    return annen < Co2Plass ? annen : annen + 1;
+}
 constexpr int MaksKanaler = sizeof Kanaler / sizeof Kanaler[0];
 
 // CO2 relative to its feed level at minute m of a cycle.
@@ -59,7 +70,7 @@ bool iPlateau(double minutt, double oppstart)
     return m >= PlateauFra - 6.0 && m < PlateauTil + 8.0;
 }
 
-// Relative level of channel k (k > 0) at minute m of the experiment.
+// Relative level of the other channel k (from 1) at minute m of the experiment.
 double annenKanal(int k, double minutt, double oppstart)
 {
     const double m = minutt < oppstart ? -1.0 : std::fmod(minutt - oppstart, SyklusMin);
@@ -115,7 +126,7 @@ int main(int argc, char** argv)
     std::setvbuf(ut, buffer.data(), _IOFBF, buffer.size());
 
     std::string overskrift = "Date,Time";
-    for (int k = 0; k < kanaler; ++k) overskrift += std::string(",") + Kanaler[k].navn;
+    for (int k = 0; k < kanaler; ++k) overskrift += std::string(",") + Kanaler[kanal(k, kanaler)].navn;
     std::fprintf(ut, "%s,\r\n", overskrift.c_str());
 
     std::mt19937_64 tilfeldig(seed);
@@ -139,9 +150,10 @@ int main(int argc, char** argv)
         // Start-up: every signal falls from a higher level as the chamber is pumped down.
         const double oppstartFaktor = minutt < oppstart ? 1.0 + 2.0 * std::exp(-minutt / (oppstart / 4.0 + 1.0)) : 1.0;
         for (int k = 0; k < kanaler; ++k) {
-            double r = k == 0 ? (minutt < oppstart ? 1.0 : co2Syklus(std::fmod(minutt - oppstart, SyklusMin)))
-                              : annenKanal(k, minutt, oppstart);
-            const double verdi = Kanaler[k].niva * r * oppstartFaktor * (1.0 + 0.03 * stoy(tilfeldig));
+            const int i = kanal(k, kanaler);
+            double r = i == Co2Plass ? (minutt < oppstart ? 1.0 : co2Syklus(std::fmod(minutt - oppstart, SyklusMin)))
+                                     : annenKanal(i + 1, minutt, oppstart);
+            const double verdi = Kanaler[i].niva * r * oppstartFaktor * (1.0 + 0.03 * stoy(tilfeldig));
             p += std::snprintf(linje + p, sizeof linje - static_cast<size_t>(p), ",%.4E", verdi);
         }
         std::memcpy(linje + p, ",\r\n", 3);
