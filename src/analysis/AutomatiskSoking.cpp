@@ -95,10 +95,7 @@ Utfall sokAutomatisk(Kontekst& k)
                           ? vb::heltall32(static_cast<double>(vb::minutterMellom(grupper[0].slutt, grupper[1].start)))
                           : 0;
     opptatt.reset();
-    if (k.dialogs.sporJaNei(resultatTekst(N, QStringLiteral("mindre"), vb::tekst(valgt->T), F, M, I))) {
-        k.vindu.settTekst(ui::Boks::Text6, QString::number(N));
-        k.vindu.settTekst(ui::Boks::Text3, QString::number(M - 15));
-        k.vindu.settTekst(ui::Boks::Text5, QString::number(I));
+    if (foreslaVerdier(k, N, QStringLiteral("mindre"), vb::tekst(valgt->T), F, M, I)) {
         // One turning point per group, so that the exports find every cycle counted in Text6.
         QStringList S;
         const ui::Opptatt skriver(k.vindu);

@@ -84,15 +84,21 @@ vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& T
     return poster.eof() ? vb::Dato() : poster.dato("DatoTid");
 }
 
-QString resultatTekst(int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M, int64_t I)
+bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
+                    int64_t I)
 {
-    return QStringLiteral("Det ble funnet %1 sykluser. Den første syklusen med en verdi %2 enn %3 er ved tidspunktet "
+    const QString tekst = QStringLiteral("Det ble funnet %1 sykluser. Den første syklusen med en verdi %2 enn %3 er ved tidspunktet "
                           "%4 (%5 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. "
                           "%6 minutter. Vil du sette inn disse verdiene som valg i oppsettet?")
         .arg(N)
         .arg(W, terskel, F.generellTekst())
         .arg(M)
         .arg(I);
+    if (!k.dialogs.sporJaNei(tekst)) return false;
+    k.vindu.settTekst(ui::Boks::Text6, QString::number(N));
+    k.vindu.settTekst(ui::Boks::Text3, QString::number(M - 15));
+    k.vindu.settTekst(ui::Boks::Text5, QString::number(I));
+    return true;
 }
 
 namespace
@@ -150,11 +156,7 @@ Utfall finnSykluser(Kontekst& k)
 
     const QString W = ads ? QStringLiteral("mindre") : QStringLiteral("større");
     const int64_t M = vb::minutterMellom(dataStartTid, F);
-    if (k.dialogs.sporJaNei(resultatTekst(N, W, vb::tekst(V), F, M, I))) {
-        k.vindu.settTekst(ui::Boks::Text6, QString::number(N));
-        k.vindu.settTekst(ui::Boks::Text3, QString::number(M - 15));
-        k.vindu.settTekst(ui::Boks::Text5, QString::number(I));
-    }
+    foreslaVerdier(k, N, W, vb::tekst(V), F, M, I);
     filer::SkrivTilFil(snuPunkter, S.mid(1));
     return Utfall::Ferdig;
 }

@@ -35,8 +35,10 @@ QString snuPunktSetning(const vb::Dato& FraTid, const vb::Dato& TilTid, bool Val
 vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg,
                       const QString& Kolonne);
 
-// The result question of both searches, with its line feed.
-QString resultatTekst(int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M, int64_t I);
+// Asks "Det ble funnet N sykluser. …" and on Yes writes N into Text6, M − 15 into Text3 and
+// I into Text5; true on Yes.
+bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
+                    int64_t I);
 
 // An index on (K, DatoTid) for a value column of the table, made the first time the column is
 // searched and kept until the next import replaces Data.mdb. Other letters are left alone.

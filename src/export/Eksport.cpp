@@ -13,27 +13,24 @@ vb::Dato SnuPunkter::syklus(int k) const
     return vb::Dato::fraGenerellTekst(tekster_[k - 1]);
 }
 
-std::optional<SnuPunkter> forberedEksport(Kontekst& k)
+Forberedt forberedEksport(Kontekst& k, const QString& sporsmal)
 {
     const QString snupunkter = k.sti(SnuPunktFil);
     if (!filer::FilFinnes(snupunkter)) {
         k.dialogs.info(QStringLiteral("Du må først finne antall sykluser"));
-        return std::nullopt;
+        return {std::nullopt, Utfall::Avvist};
     }
     SnuPunkter liste(filer::HentFraFil(snupunkter).split(QLatin1Char('!')));
     if (k.vindu.kolonner().isEmpty()) {
         k.dialogs.info(QStringLiteral("Ingen data importert"));
-        return std::nullopt;
+        return {std::nullopt, Utfall::Avvist};
     }
     const QString ut = k.sti(UtMappe);
     if (!filer::MappeFinnes(ut) && !QDir().mkdir(ut))
         throw vb::Feil(QStringLiteral("Kan ikke lage mappen %1").arg(ut).toStdString());
-    return liste;
-}
-
-QString antallRun(const ui::Vindu& vindu)
-{
-    return vb::tekst(vb::tall(vindu.tekst(ui::Boks::Text6)) - vb::tall(vindu.tekst(ui::Boks::Text4)) + 1);
+    const double antall = vb::tall(k.vindu.tekst(ui::Boks::Text6)) - vb::tall(k.vindu.tekst(ui::Boks::Text4)) + 1;
+    if (!k.dialogs.sporJaNei(sporsmal + vb::tekst(antall) + QStringLiteral(" run?"))) return {};
+    return {std::move(liste), Utfall::Ferdig};
 }
 
 QString sporPrefiks(Kontekst& k)

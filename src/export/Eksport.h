@@ -32,11 +32,14 @@ private:
 
 // The guards every export runs first: the turning-point file must exist ("Du må først finne
 // antall sykluser"), the chooser must hold entries ("Ingen data importert"); then the output
-// folder is created when missing. Returns the turning points, or nothing after a refusal message.
-std::optional<SnuPunkter> forberedEksport(Kontekst& k);
+// folder is created when missing and the question sporsmal + (Text6 − Text4 + 1) + " run?" is asked.
+// Returns the turning points, or nothing after a refusal (Avvist) or the answer No (Ferdig).
+struct Forberedt {
+    std::optional<SnuPunkter> snupunkter;
+    Utfall utfall = Utfall::Ferdig;
+};
+Forberedt forberedEksport(Kontekst& k, const QString& sporsmal);
 
-// Text6 − Text4 + 1 as the number text of the export question.
-QString antallRun(const ui::Vindu& vindu);
 
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
 QString sporPrefiks(Kontekst& k);

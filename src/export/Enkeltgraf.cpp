@@ -61,11 +61,9 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
 Utfall Command3_Click(Kontekst& k)
 {
     try {
-        const auto snupunkter = forberedEksport(k);
-        if (!snupunkter) return Utfall::Avvist;
-        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage excel-filer for ") + antallRun(k.vindu) +
-                                 QStringLiteral(" run?")))
-            return Utfall::Ferdig;
+        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage excel-filer for "));
+        if (!snu) return utfall;
+        const SnuPunkter& snupunkter = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
         {
@@ -74,7 +72,7 @@ Utfall Command3_Click(Kontekst& k)
             k.vindu.behandleHendelser();
             const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
             for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
-                const vb::Dato snupunkt = snupunkter->syklus(syklus);
+                const vb::Dato snupunkt = snupunkter.syklus(syklus);
                 const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.tekst(ui::Boks::Text1)));
                 const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
                 if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;

@@ -120,11 +120,9 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
 Utfall Command12_Click(Kontekst& k)
 {
     try {
-        const auto liste = forberedEksport(k);
-        if (!liste) return Utfall::Avvist;
-        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage excel-filer for ") + antallRun(k.vindu) +
-                                 QStringLiteral(" run?")))
-            return Utfall::Ferdig;
+        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage excel-filer for "));
+        if (!snu) return utfall;
+        const SnuPunkter& liste = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
 
@@ -137,7 +135,7 @@ Utfall Command12_Click(Kontekst& k)
         const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
         for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
             if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
-            const vb::Dato snupunkt = liste->syklus(syklus);
+            const vb::Dato snupunkt = liste.syklus(syklus);
             auto posterFor = vindu(k, snupunkt.leggTilMinutter(-foer), snupunkt);
             auto posterEtter = vindu(k, snupunkt, snupunkt.leggTilMinutter(etter));
             if (!posterFor.eof())

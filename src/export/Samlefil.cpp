@@ -47,11 +47,9 @@ vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QS
 Utfall Command5_Click(Kontekst& k)
 {
     try {
-        const auto liste = forberedEksport(k);
-        if (!liste) return Utfall::Avvist;
-        if (!k.dialogs.sporJaNei(QStringLiteral("Vil du lage en samlefil for ") + antallRun(k.vindu) +
-                                 QStringLiteral(" run?")))
-            return Utfall::Ferdig;
+        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage en samlefil for "));
+        if (!snu) return utfall;
+        const SnuPunkter& liste = *snu;
         const QString mal = k.sti(samleMal(k.vindu));
         if (!filer::FilFinnes(mal)) {
             k.dialogs.info(QStringLiteral("Du mangler malfila"));
@@ -76,7 +74,7 @@ Utfall Command5_Click(Kontekst& k)
 
         const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
         for (int16_t syklus = 1; syklus <= siste;) {
-            const vb::Dato snupunkt = liste->syklus(syklus);
+            const vb::Dato snupunkt = liste.syklus(syklus);
             vb::Dato null, slutt;
             if (k.vindu.adsorpsjon()) {
                 null = FinnNullpunktAdsorpsjon(k, snupunkt, kolonneBokstav(k), vb::heltall16(k.vindu.tekst(ui::Boks::Text1)));
