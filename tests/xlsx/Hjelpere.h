@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
-#include <cmath>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,8 +20,10 @@ inline void PrintTo(const QJsonArray& a, std::ostream* os) { *os << QJsonDocumen
 
 namespace test {
 
-inline double tallAv(const xlsx::Verdi& v) { return std::holds_alternative<double>(v) ? std::get<double>(v) : NAN; }
-inline QString tekstAv(const xlsx::Verdi& v) { return std::holds_alternative<QString>(v) ? std::get<QString>(v) : QString(); }
+inline QByteArray filinnhold(const QString& sti) {
+    QFile f(sti);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
 
 // Whether the XML text holds this piece; a failure shows the whole text.
 inline ::testing::AssertionResult har(const std::string& xml, const std::string& bit) {
