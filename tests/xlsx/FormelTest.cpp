@@ -90,7 +90,6 @@ TEST(Formel, TeksterOgFeil)
 
 TEST(Formel, TekstForm)
 {
-    EXPECT_EQ(normaliser("= abs((D40 -D41)/2)"), "ABS((D40-D41)/2)");
     EXPECT_EQ(normaliser("=IF(a1=\"x y\",1,0)"), "IF(A1=\"x y\",1,0)");
     EXPECT_EQ(flytt("B2*2+$C$1+C$1+$C1", 2, 1), "C4*2+$C$1+D$1+$C3");
     EXPECT_EQ(flytt("A1", -1, 0), "#REF!");
@@ -99,7 +98,6 @@ TEST(Formel, TekstForm)
     EXPECT_EQ(std::pair(r, k), std::pair(12, 28));
     EXPECT_FALSE(lesAdresse("A0", r, k) || lesAdresse("B2:C3", r, k));
     EXPECT_EQ(kolonneNavn(16384), "XFD");
-    EXPECT_EQ(tallTekst(1e-13), "1e-13");
     EXPECT_EQ(tallTekst(0.1 + 0.2), "0.30000000000000004");
 }
 
