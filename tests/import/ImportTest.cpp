@@ -65,7 +65,10 @@ protected:
 TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
 {
     const QString csvfil = testfil("eksempel.csv");
+    std::optional<Utfall> underveis;  // a click while the import runs: not started, asks nothing
+    QTimer::singleShot(0, f.get(), [&] { underveis = f->Command2_Click(); });
     ASSERT_EQ(importer(csvfil), Utfall::Ferdig);
+    EXPECT_EQ(underveis, Utfall::Avvist);
     const QByteArray blanke(20, ' ');
     EXPECT_EQ(mappe.les(Kolonnefil), "CO2" + blanke + "[C]\r\nN2" + blanke + "[D]\r\nO2" + blanke + "[E]\r\n");
     EXPECT_EQ(f->kolonneTekst(), u"CO2"_s + QString(20, ' ') + u"[C]"_s);
@@ -73,6 +76,7 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
     EXPECT_EQ(dialogs.meldinger(), (QStringList{u"Fila "_s + csvfil + u" består av   2 linjer. Vil du starte importen?"_s,
                                                 u"Antall linjer importert:   2"_s}));
     const auto& d = dialogs.dialoger();
+    ASSERT_EQ(d.size(), 3u);
     EXPECT_EQ(d[0].tekst, u"CSV-filer (*.CSV)|*.CSV"_s);
     EXPECT_EQ(std::tuple(d[1].knapper, d[1].ikon, d[2].ikon), std::tuple(ui::Knapper::JaNei, ui::Ikon::Sporsmal, ui::Ikon::Ingen));
     EXPECT_EQ(label4(), u"  2"_s);
@@ -122,7 +126,7 @@ TEST_F(Import, TellerLinjerMedAlleLinjesluttOgSkiftendeBredde)
     EXPECT_EQ(utenTekst(lagret(u"where format(DatoTid, 'YYYYMMDDHHNNSS') > '20121123141638'"_s)), ventet.mid(999));
 }
 
-TEST_F(Import, NeiEllerIngenFilEndrerIngenting)
+TEST_F(Import, NeiIngenFilOgToFeltsOverskriftEndrerIkkeKolonnelista)
 {
     ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);
     mappe.skriv(Kolonnefil, GamleKolonner);
@@ -133,10 +137,7 @@ TEST_F(Import, NeiEllerIngenFilEndrerIngenting)
     forventUendret();
     EXPECT_EQ(lagret().size(), 1);
     EXPECT_EQ(dialogs.meldinger().size(), 3);  // the first import's two boxes and the declined question
-}
-
-TEST_F(Import, ToFeltsOverskriftBeholderKolonnelista)
-{
+    // A header of two fields keeps the old column list.
     ASSERT_EQ(importer(csv("Date,Time\r\n2012/11/23,14:05:31,7,\r\n")), Utfall::Ferdig);
     EXPECT_EQ(mappe.les(Kolonnefil), GamleKolonner);
     EXPECT_EQ(lagret().size(), 1);
@@ -158,66 +159,46 @@ TEST_F(Import, UgyldigeDatalinjerHoppesOverOgNevnes)
                                "linje 9: ugyldig dato eller klokkeslett «xx,yy,1,2,»"_s}));
 }
 
-TEST_F(Import, UbrukeligFilAvvisesForNoeEndres)
+TEST_F(Import, AvvisningerEndrerIngenting)
 {
     husk();
-    const std::pair<QByteArray, const char*> tilfeller[] = {
-        {"", "er tom (0 linjer uten tekst)"},
-        {"\r\n\r\n", "er tom (2 linjer uten tekst)"},
-        {"\r\nDate,Time,CO2,\r\n", "har bare overskriftslinja (linje 2) og ingen datalinjer"},
-        {QByteArray("PK\x03\x04\x00\x00,\n", 8) + "2012/11/23,14:05:31,1,\n", "er ikke en tekstfil: linje 1 inneholder nulltegn"},
-        {"Date,Time" + QByteArray(",X").repeated(28) + "\r\n2012/11/23,14:05:31,1,\r\n",
-         "har 30 felt, men bare 29 felt kan få en kolonnebokstav (A til Å)"},
+    const QByteArray gyldig = "Date,Time,CO2,\r\n2012/11/23,14:05:31,1,\r\n";
+    const QString mal = mappe.sti(u"Template.mdb"_s), fil = mappe.sti(u"radata.csv"_s);
+    const struct { QByteArray innhold; QString grunn; std::function<void()> etterSporsmal = {}; } tilfeller[] = {
+        {"", u"er tom (0 linjer uten tekst)"_s},
+        {"\r\n\r\n", u"er tom (2 linjer uten tekst)"_s},
+        {"\r\nDate,Time,CO2,\r\n", u"har bare overskriftslinja (linje 2) og ingen datalinjer"_s},
+        {QByteArray("PK\x03\x04\x00\x00,\n", 8) + "2012/11/23,14:05:31,1,\n", u"er ikke en tekstfil: linje 1 inneholder nulltegn"_s},
+        {"Date,Time" + QByteArray(",X").repeated(28) + "\r\n2012/11/23,14:05:31,1,\r\n", u"har 30 felt, men bare 29 felt kan få en kolonnebokstav (A til Å)"_s},
+        {gyldig, u"Kan ikke åpne fila "_s + fil, [&] { QFile::remove(fil); }},  // gone after the question
+        {gyldig, u"Finner ikke databasemalen "_s + mal + '.', [&] { QFile::remove(mal); }},
+        {gyldig, u"Databasemalen "_s + mal + u" kan ikke brukes: "_s, [&] { mappe.skriv(u"Template.mdb"_s, "ikke en database"); }},
     };
-    for (const auto& [innhold, grunn] : tilfeller) {
-        SCOPED_TRACE(grunn);
-        EXPECT_EQ(importer(csv(innhold), std::nullopt), Utfall::Avvist);
+    for (const auto& t : tilfeller) {
+        dialogs.vedMelding = [e = t.etterSporsmal](const QString&) { if (e) e(); };
+        EXPECT_EQ(importer(csv(t.innhold), t.etterSporsmal ? std::optional(Svar::Ja) : std::nullopt), Utfall::Avvist);
         const QString m = dialogs.meldinger().last();
-        EXPECT_TRUE(m.contains(QString::fromUtf8(grunn)) && m.endsWith(u"Ingenting er importert, og databasen er uendret."_s)) << m.toStdString();
+        EXPECT_TRUE(m.contains(t.grunn) && m.endsWith(u"Ingenting er importert, og databasen er uendret."_s)) << m;
         forventUendret();
     }
 }
 
-TEST_F(Import, FilSomForsvinnerEllerSvikterUnderveis)
+// A file that fails once the import has begun: the reading stops with a message, and the new
+// (here empty) database stays one that the program opens.
+TEST_F(Import, LesefeilUnderveisStopperMedMelding)
 {
-    husk();
-    const QString fil = csv("Date,Time,CO2,\r\n2012/11/23,14:05:31,1,\r\n");
-    dialogs.vedMelding = [&](const QString&) { QFile::remove(fil); };
-    EXPECT_EQ(importer(fil), Utfall::Avvist);
-    EXPECT_TRUE(dialogs.meldinger().last().startsWith(u"Kan ikke åpne fila "_s + fil));
-    forventUendret();
-
-    // Fails once the import has begun: the reading stops with a message, and the new (here empty)
-    // database stays one that the program opens.
     const QString lenke = mappe.sti(u"lenke.csv"_s);
     ASSERT_TRUE(QFile::link(testfil("eksempel.csv"), lenke));
-    dialogs.vedMelding = [&](const QString& tekst) {
-        if (!tekst.startsWith(u"Fila "_s)) return;
-        QFile::remove(lenke);
-        QFile::link(u"/proc/self/mem"_s, lenke);  // opens, but cannot be read
+    dialogs.vedMelding = [&](const QString&) {  // after the question it opens, but cannot be read
+        QFile::remove(lenke), QFile::link(u"/proc/self/mem"_s, lenke);
     };
     EXPECT_EQ(importer(lenke), Utfall::Avvist);
     const QString m = dialogs.meldinger().last();
     EXPECT_TRUE(m.startsWith(u"Importen stoppet ved linje 1 i fila "_s + lenke + u": Kan ikke lese fila"_s) &&
-                m.endsWith(u"De 0 radene som var lest inn før, er lagret."_s)) << m.toStdString();
+                m.endsWith(u"De 0 radene som var lest inn før, er lagret."_s)) << m;
     EXPECT_EQ(lagret().size(), 0);
     EXPECT_EQ(mappe.les(Kolonnefil), GamleKolonner);
     db::Database kontroll(mappe.sti(Data));
-}
-
-TEST_F(Import, DatabasefeilLaterDenGamleDatabasenStaa)
-{
-    husk();
-    QFile::remove(mappe.sti(u"Template.mdb"_s));
-    EXPECT_EQ(importer(testfil("eksempel.csv")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), u"Finner ikke databasemalen "_s + mappe.sti(u"Template.mdb"_s) +
-                                              u". Ingenting er importert, og databasen er uendret."_s);
-    forventUendret();
-
-    mappe.skriv(u"Template.mdb"_s, "ikke en database");
-    EXPECT_EQ(importer(testfil("eksempel.csv")), Utfall::Avvist);
-    EXPECT_TRUE(dialogs.meldinger().last().startsWith(u"Databasemalen "_s));
-    forventUendret();
 }
 
 // A Data.mdb that cannot be replaced (here a folder) stays as it was.
@@ -233,40 +214,29 @@ TEST_F(Import, DatabaseSomIkkeKanErstattesGirMelding)
     EXPECT_TRUE(QFileInfo(mappe.sti(u"Data.mdb/opptatt"_s)).isDir());
 }
 
-TEST_F(Import, AndreKommandoerStarterIkkeMensImportenGaar)
-{
-    std::optional<Utfall> underveis;
-    QTimer::singleShot(0, f.get(), [&] { underveis = f->Command2_Click(); });
-    ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);
-    EXPECT_EQ(underveis, Utfall::Avvist);  // clicked while the import ran: not started, asked nothing
-    EXPECT_EQ(dialogs.dialoger().size(), 3u);
-}
-
 TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
 {
     test::Programmappe p;
-    const QString fil = testfil("eksempel.csv");
-    auto nei = test::batch({"--folder", p.mappe(), "import", fil, "--no"});
-    EXPECT_EQ(nei.status, 0) << nei.feil.toStdString();
-    EXPECT_EQ(nei.ut, u"Fila "_s + fil + u" består av   2 linjer. Vil du starte importen?\n\n"_s);
+    auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", p.mappe()} + args); };
+    const QString fil = testfil("eksempel.csv"), sporsmal = u"Fila "_s + fil + u" består av   2 linjer. Vil du starte importen?\n\n"_s;
+    auto k = kjor({"import", fil, "--no"});
+    EXPECT_EQ(std::pair(k.status, k.ut), std::pair(0, sporsmal));
     EXPECT_FALSE(QFile::exists(p.sti(u"Kolonner.txt"_s)));
-    auto ja = test::batch({"--folder", p.mappe(), "import", fil});
-    EXPECT_EQ(ja.status, 0) << ja.feil.toStdString();
-    EXPECT_TRUE(ja.ut.endsWith(u"Antall linjer importert:   2\n\n"_s));
-    EXPECT_TRUE(test::batch({"--folder", p.mappe(), "status"}).ut.startsWith(u"Tolvik -   1 poster"_s));
+    k = kjor({"import", fil});
+    EXPECT_EQ(std::pair(k.status, k.ut), std::pair(0, sporsmal + u"Antall linjer importert:   2\n\n"_s));
+    EXPECT_TRUE(kjor({"status"}).ut.startsWith(u"Tolvik -   1 poster"_s));
     p.skriv(u"tom.csv"_s, "");
-    EXPECT_EQ(test::batch({"--folder", p.mappe(), "import", p.sti(u"tom.csv"_s)}).status, 1);
-    EXPECT_EQ(test::batch({"--folder", p.mappe(), "import"}).status, 2);
-
+    EXPECT_EQ(kjor({"import", p.sti(u"tom.csv"_s)}).status, 1);
+    EXPECT_EQ(kjor({"import"}).status, 2);
     // The shipped example files import completely: the question and the count only.
-    const QStringList filer = QDir(QStringLiteral(TOLVIK_KILDE "/examples")).entryList({"*.csv"}, QDir::Files);
-    ASSERT_EQ(filer.size(), 2);
-    for (const QString& navn : filer) {
-        ja = test::batch({"--folder", p.mappe(), "import", QStringLiteral(TOLVIK_KILDE "/examples/") + navn});
-        EXPECT_EQ(ja.status, 0) << navn.toStdString();
-        EXPECT_EQ(ja.ut.count(u"\n\n"_s), 2) << ja.ut.toStdString();
-        EXPECT_TRUE(p.les(u"Kolonner.txt"_s).startsWith("CO2"));
+    const QStringList eksempler = QDir(QStringLiteral(TOLVIK_KILDE "/examples")).entryList({"*.csv"}, QDir::Files);
+    ASSERT_EQ(eksempler.size(), 2);
+    for (const QString& navn : eksempler) {
         QFile::remove(p.sti(u"Kolonner.txt"_s));
+        k = kjor({"import", QStringLiteral(TOLVIK_KILDE "/examples/") + navn});
+        EXPECT_EQ(k.status, 0) << navn;
+        EXPECT_EQ(k.ut.count(u"\n\n"_s), 2) << k.ut;
+        EXPECT_TRUE(p.les(u"Kolonner.txt"_s).startsWith("CO2"));
     }
 }
 
