@@ -1,6 +1,8 @@
 #include "analysis/AutomatiskSoking.h"
 #include "AnalyseFelles.h"
 
+#include <QImage>
+
 namespace {
 
 // First value 10, then a row every 10 seconds from 14:01:10: three low phases of six rows
@@ -56,6 +58,29 @@ TEST_F(AutomatiskSok, EnderStilleUtenMelding)
     }
     EXPECT_TRUE(dialogs.meldinger().isEmpty());
     EXPECT_FALSE(QFile::exists(mappe.sti(u"SnuPunkter.txt"_s)));
+}
+
+// tolvik-batch passes its arguments as the answers and prints the messages.
+TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
+{
+    fyll(treSykluser(10));
+    mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
+    auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", mappe.mappe()} + args); };
+    const QString png = mappe.sti(u"graf.png"_s);
+    const struct { QStringList args; QString ut; } tilfeller[] = {
+        {{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"}, u"Det ble funnet 2 sykluser."_s},
+        // The proposed threshold, 100 times the minimum, takes every row: one group, nothing closed.
+        {{"--save-settings", "find-cycles", "--start", "1", "--apply"}, u"Det ble funnet 0 sykluser."_s},
+        {{"auto-search", "--start", "1", "--cycles", "30"}, u"Det ble funnet 3 sykluser."_s},
+        {{"graph", "--png", png}, u"\n\n9,5\n\nPunkter i grafen: 43\n"_s},  // after the values above 1
+    };
+    for (const auto& t : tilfeller) {
+        const auto k = kjor(t.args);
+        EXPECT_TRUE(k.status == 0 && k.ut.contains(t.ut)) << k.ut << k.feil;
+    }
+    EXPECT_TRUE(mappe.les(u"Oppsett.txt"_s).startsWith("1!0!"));
+    EXPECT_GT(QImage(png).width(), 400);
+    EXPECT_EQ(kjor({"find-cycles"}).status, 2);  // --start is required
 }
 
 } // namespace
