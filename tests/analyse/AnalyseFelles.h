@@ -44,10 +44,7 @@ protected:
         f = std::make_unique<Form1>(mappe.mappe(), dialogs);
         return *f;
     }
-    void svar(std::initializer_list<ui::SkriptDialogs::Svaret> s)
-    {
-        for (const auto& x : s) dialogs.svar(x);
-    }
+    void svar(auto... s) { (dialogs.svar(ui::SkriptDialogs::Svaret(s)), ...); }
     // The cycle settings: number of cycles, start minutes, interval.
     QStringList bokser() const { return {f->tekst(ui::Boks::Text6), f->tekst(ui::Boks::Text3), f->tekst(ui::Boks::Text5)}; }
     void TearDown() override

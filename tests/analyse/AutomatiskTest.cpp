@@ -36,7 +36,7 @@ TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
     };
     for (const auto& t : tilfeller) {
         f->velgAdsorpsjon(t.ads);
-        svar({u"1"_s, t.sykluser, t.ja ? ui::Svar::Ja : ui::Svar::Nei});
+        svar(u"1"_s, t.sykluser, t.ja ? ui::Svar::Ja : ui::Svar::Nei);
         EXPECT_EQ(f->Command11_Click(), Utfall::Ferdig) << t.sykluser;
         EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
         EXPECT_EQ(mappe.les(u"SnuPunkter.txt"_s), t.snu) << t.sykluser;
@@ -53,7 +53,7 @@ TEST_F(AutomatiskSok, EnderStilleUtenMelding)
     // Cancel at the number of cycles, no row after the search start, a letter the table does not have.
     for (auto [kolonne, start, sykluser] : {std::tuple{0, u"1"_s, u"30"_s}, {0, u"1"_s, QString()}, {0, u"100000"_s, u"30"_s}, {2, u"1"_s, u"30"_s}}) {
         f->velgKolonne(kolonne);
-        svar({start, sykluser});
+        svar(start, sykluser);
         EXPECT_EQ(f->Command11_Click(), Utfall::Avvist) << start << sykluser << kolonne;
     }
     EXPECT_TRUE(dialogs.meldinger().isEmpty());

@@ -8,11 +8,7 @@
 namespace {
 
 // What the graph window held when it was shown; its title and button, and whether Exit closed it.
-struct Vist {
-    int rader = -1, punkter = -1;
-    std::vector<std::optional<double>> verdier;
-    QString vindu;
-};
+struct Vist { int rader = -1, punkter = -1; std::vector<std::optional<double>> verdier; QString vindu; };
 
 class Graf : public test::MedVindu {
 protected:

@@ -35,7 +35,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     };
     for (const auto& t : tilfeller) {
         f->velgAdsorpsjon(t.ads);
-        svar({u"1"_s, t.terskel, t.ja ? ui::Svar::Ja : ui::Svar::Nei});
+        svar(u"1"_s, t.terskel, t.ja ? ui::Svar::Ja : ui::Svar::Nei);
         EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << t.terskel;
         EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
         EXPECT_EQ(mappe.les(SnuPunkter), t.snu) << t.terskel;

@@ -30,11 +30,7 @@ protected:
         return f->Command2_Click();
     }
     // A CSV file of exactly these bytes in the program folder.
-    QString csv(const QByteArray& innhold)
-    {
-        mappe.skriv(u"radata.csv"_s, innhold);
-        return mappe.sti(u"radata.csv"_s);
-    }
+    QString csv(const QByteArray& innhold) { mappe.skriv(u"radata.csv"_s, innhold); return mappe.sti(u"radata.csv"_s); }
     // Every stored row as "DatoTid|DatoTid_Tekst|C D ... L", "-" for an empty column.
     QStringList lagret(const QString& hvor = {})
     {
