@@ -57,7 +57,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     }
 }
 
-TEST_F(Syklusfinning, AvbruddOgUgyldigeSvarEnderIMelding)
+TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
 {
     dialogs.svar(u"50"_s);
     EXPECT_EQ(vindu().Command7_Click(), Utfall::Avvist);  // an empty table ends silently
