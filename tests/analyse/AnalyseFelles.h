@@ -1,4 +1,4 @@
-// A program folder with measurement rows and a column list, and the real main window on it.
+// The real main window on a fresh program folder with scripted dialogs; used by the analysis and import tests.
 #pragma once
 
 #include "app/Form1.h"
@@ -7,50 +7,46 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QFile>
 #include <gtest/gtest.h>
 #include <memory>
+
+using namespace Qt::StringLiterals;
+
+// Texts in failure messages as text.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) { return os << '"' << s.toStdString() << '"'; }
 
 namespace test {
 
 // Seconds after 23.11.2012 14:00:00 and a value for column C.
-struct Rad {
-    int sek;
-    double c;
-};
+using Rad = std::pair<int, double>;
 
-inline QString tid(int sek)
-{
-    return QDateTime(QDate(2012, 11, 23), QTime(14, 0)).addSecs(sek).toString(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
-}
+// The first entry (CO2, letter C) is selected, the others are there to choose.
+inline const QByteArray Kolonner = "CO2                    [C]\r\nAr                    [I]\r\nBred                    [M]\r\nUten bokstav\r\n";
 
 class MedVindu : public ::testing::Test {
 protected:
     // Inserts the rows with the import's statement form.
     void fyll(const std::vector<Rad>& rader)
     {
-        db::Database d(mappe.sti(QStringLiteral("Data.mdb")));
+        db::Database d(mappe.sti(u"Data.mdb"_s));
         db::Transaksjon t(d);
-        for (const Rad& r : rader)
-            d.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('%1', '%1', %2)")
-                        .arg(tid(r.sek))
-                        .arg(r.c, 0, 'g', 17));
+        for (const auto& [sek, c] : rader)
+            d.utfor(u"Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('%1', '%1', %2)"_s
+                        .arg(QDateTime(QDate(2012, 11, 23), QTime(14, 0)).addSecs(sek).toString(u"dd/MM/yyyy HH:mm:ss"_s))
+                        .arg(c, 0, 'g', 17));
         t.fullfor();
     }
-    // Starts the window; the first entry (CO2, letter C) is selected, the others are there to choose.
-    Form1& vindu(bool medKolonner = true)
+    // Starts the window on this column list (none when empty).
+    Form1& vindu(const QByteArray& kolonner = Kolonner)
     {
-        if (medKolonner)
-            mappe.skriv(QStringLiteral("Kolonner.txt"), "CO2                    [C]\r\n"
-                                                        "Ar                    [I]\r\n"
-                                                        "Bred                    [M]\r\n"
-                                                        "Uten bokstav\r\n");
+        if (!kolonner.isEmpty()) mappe.skriv(u"Kolonner.txt"_s, kolonner);
         f = std::make_unique<Form1>(mappe.mappe(), dialogs);
         return *f;
     }
-    void svar(std::initializer_list<ui::SkriptDialogs::Svaret> s)
-    {
-        for (const auto& x : s) dialogs.svar(x);
-    }
+    void svar(auto... s) { (dialogs.svar(ui::SkriptDialogs::Svaret(s)), ...); }
+    // The cycle settings: number of cycles, start minutes, interval.
+    QStringList bokser() const { return {f->tekst(ui::Boks::Text6), f->tekst(ui::Boks::Text3), f->tekst(ui::Boks::Text5)}; }
     void TearDown() override
     {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the normal pointer must be back";

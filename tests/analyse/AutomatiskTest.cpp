@@ -1,90 +1,86 @@
 #include "analysis/AutomatiskSoking.h"
 #include "AnalyseFelles.h"
 
-using test::Rad;
+#include <QImage>
 
 namespace {
 
 // First value 10, then a row every 10 seconds from 14:01:10: three low phases of six rows
 // (1,5 with one 1,2) between high phases of 9,5; each low phase is one group.
-std::vector<Rad> treSykluser(double forste = 10)
+std::vector<test::Rad> treSykluser(double forste)
 {
-    std::vector<Rad> r = {{0, forste}};
-    for (int k = 0; k < 42; ++k) {
-        const int iFase = k % 12;
-        const bool lav = iFase >= 6 && k < 36;
-        r.push_back({70 + 10 * k, lav ? (iFase == 8 ? 1.2 : 1.5) : 9.5});
-    }
+    std::vector<test::Rad> r = {{0, forste}};
+    for (int k = 0; k < 42; ++k) r.push_back({70 + 10 * k, k % 12 >= 6 && k < 36 ? (k % 12 == 8 ? 1.2 : 1.5) : 9.5});
     return r;
 }
 
-class AutomatiskSok : public test::MedVindu {
-protected:
-    Utfall sok(const QString& sykluser, bool ja)
-    {
-        svar({QStringLiteral("1"), sykluser, ja ? ui::Svar::Ja : ui::Svar::Nei});
-        return f->Command11_Click();
+using AutomatiskSok = test::MedVindu;
+
+TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
+{
+    fyll(treSykluser(10));
+    vindu();
+    const QByteArray MinstePerGruppe = "23.11.2012 14:02:30!23.11.2012 14:04:30!23.11.2012 14:06:30\r\n";
+    const QStringList Valg = {u"3"_s, u"-13"_s, u"1"_s};
+    const struct { bool ads; QString sykluser; bool ja; QString melding; QByteArray snu; } tilfeller[] = {
+        // Minimum 1,2 and the first value 10 give the step 0,88; the first pass already finds the three
+        // groups, which comes nearest to 30 of all passes (the highest ones take every row as one group).
+        // One turning point per group, the last group included.
+        {true, u"30"_s, true, u"Det ble funnet 3 sykluser. Den første syklusen med en verdi mindre enn 2,08 er ved tidspunktet 23.11.2012 "
+                              "14:02:10 (2 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. 1 minutter. "
+                              "Vil du sette inn disse verdiene som valg i oppsettet?"_s, MinstePerGruppe},
+        // No leaves SnuPunkter.txt and the settings; the word stays "mindre" with Desorpsjon too.
+        {false, u"1"_s, false, u"Det ble funnet 1 sykluser. Den første syklusen med en verdi mindre enn "_s, MinstePerGruppe},
+        // Desorpsjon takes the largest value of each group.
+        {false, u"3"_s, true, u"Det ble funnet 3 sykluser. "_s, "23.11.2012 14:02:10!23.11.2012 14:04:10!23.11.2012 14:06:10\r\n"},
+    };
+    for (const auto& t : tilfeller) {
+        f->velgAdsorpsjon(t.ads);
+        svar(u"1"_s, t.sykluser, t.ja ? ui::Svar::Ja : ui::Svar::Nei);
+        EXPECT_EQ(f->Command11_Click(), Utfall::Ferdig) << t.sykluser;
+        EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
+        EXPECT_EQ(mappe.les(u"SnuPunkter.txt"_s), t.snu) << t.sykluser;
+        EXPECT_EQ(bokser(), Valg) << t.sykluser;
     }
-};
-
-TEST_F(AutomatiskSok, PassetNaermestOnsketAntallBrukesOgJaSkriverSnuPunkter)
-{
-    fyll(treSykluser());
-    vindu().velgAdsorpsjon(true);
-    EXPECT_EQ(sok(QStringLiteral("30"), true), Utfall::Ferdig);
-    ASSERT_EQ(dialogs.dialoger().size(), 3u);
-    EXPECT_EQ(dialogs.dialoger()[0].forslag, QStringLiteral("230"));
-    EXPECT_EQ(dialogs.dialoger()[1].tittel, QStringLiteral("Antall sykluser:"));
-    EXPECT_EQ(dialogs.dialoger()[1].forslag, QStringLiteral("30"));
-    // Minimum 1,2 and the first value 10 give the step 0,88; the first pass already finds the three
-    // groups, which comes nearest to 30 of all passes (the highest ones take every row as one group).
-    EXPECT_EQ(dialogs.meldinger().value(0),
-              QStringLiteral("Det ble funnet 3 sykluser. Den første syklusen med en verdi mindre enn 2,08 er ved "
-                             "tidspunktet 23.11.2012 14:02:10 (2 minutter etter oppstart).\nIntervallet mellom den "
-                             "første og andre syklusen er ca. 1 minutter. Vil du sette inn disse verdiene som valg i "
-                             "oppsettet?"));
-    EXPECT_EQ(f->tekst(ui::Boks::Text6), QStringLiteral("3"));
-    EXPECT_EQ(f->tekst(ui::Boks::Text3), QStringLiteral("-13"));
-    EXPECT_EQ(f->tekst(ui::Boks::Text5), QStringLiteral("1"));
-    // One turning point per group, the last group included.
-    EXPECT_EQ(mappe.les(QStringLiteral("SnuPunkter.txt")),
-              QByteArray("23.11.2012 14:02:30!23.11.2012 14:04:30!23.11.2012 14:06:30\r\n"));
-}
-
-TEST_F(AutomatiskSok, EnGruppeOgNeiLarSnuPunkterStaa)
-{
-    fyll(treSykluser());
-    vindu().velgAdsorpsjon(false);
-    mappe.skriv(QStringLiteral("SnuPunkter.txt"), "01.01.2012\r\n");
-    EXPECT_EQ(sok(QStringLiteral("1"), false), Utfall::Ferdig);
-    // The word stays "mindre" with Desorpsjon too.
-    EXPECT_TRUE(dialogs.meldinger().value(0).startsWith(
-        QStringLiteral("Det ble funnet 1 sykluser. Den første syklusen med en verdi mindre enn ")));
-    EXPECT_EQ(mappe.les(QStringLiteral("SnuPunkter.txt")), QByteArray("01.01.2012\r\n"));
-    EXPECT_EQ(f->tekst(ui::Boks::Text6), QStringLiteral("30"));
-
-    // Desorpsjon takes the largest value of each group.
-    EXPECT_EQ(sok(QStringLiteral("3"), true), Utfall::Ferdig);
-    EXPECT_EQ(mappe.les(QStringLiteral("SnuPunkter.txt")),
-              QByteArray("23.11.2012 14:02:10!23.11.2012 14:04:10!23.11.2012 14:06:10\r\n"));
+    const auto& d = dialogs.dialoger();
+    EXPECT_EQ(d[0].forslag + '|' + d[1].tittel + '|' + d[1].forslag, u"230|Antall sykluser:|30"_s);
 }
 
 TEST_F(AutomatiskSok, EnderStilleUtenMelding)
 {
-    // The first value equals the minimum: no step, no pass finds a row.
-    fyll(treSykluser(1.2));
+    fyll(treSykluser(1.2));  // the first value equals the minimum: no step, no pass finds a row
     vindu();
-    svar({QStringLiteral("1"), QStringLiteral("30")});
-    EXPECT_EQ(f->Command11_Click(), Utfall::Avvist);
-    svar({QStringLiteral("1"), QString()});
-    EXPECT_EQ(f->Command11_Click(), Utfall::Avvist);  // Cancel at the number of cycles
-    svar({QStringLiteral("100000"), QStringLiteral("30")});
-    EXPECT_EQ(f->Command11_Click(), Utfall::Avvist);  // no row after the search start
-    f->velgKolonne(2);
-    svar({QStringLiteral("1"), QStringLiteral("30")});
-    EXPECT_EQ(f->Command11_Click(), Utfall::Avvist);  // a letter the table does not have
+    // Cancel at the number of cycles, no row after the search start, a letter the table does not have.
+    for (auto [kolonne, start, sykluser] : {std::tuple{0, u"1"_s, u"30"_s}, {0, u"1"_s, QString()}, {0, u"100000"_s, u"30"_s}, {2, u"1"_s, u"30"_s}}) {
+        f->velgKolonne(kolonne);
+        svar(start, sykluser);
+        EXPECT_EQ(f->Command11_Click(), Utfall::Avvist) << start << sykluser << kolonne;
+    }
     EXPECT_TRUE(dialogs.meldinger().isEmpty());
-    EXPECT_FALSE(QFile::exists(mappe.sti(QStringLiteral("SnuPunkter.txt"))));
+    EXPECT_FALSE(QFile::exists(mappe.sti(u"SnuPunkter.txt"_s)));
+}
+
+// tolvik-batch passes its arguments as the answers and prints the messages.
+TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
+{
+    fyll(treSykluser(10));
+    mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
+    auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", mappe.mappe()} + args); };
+    const QString png = mappe.sti(u"graf.png"_s);
+    const struct { QStringList args; QString ut; } tilfeller[] = {
+        {{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"}, u"Det ble funnet 2 sykluser."_s},
+        // The proposed threshold, 100 times the minimum, takes every row: one group, nothing closed.
+        {{"--save-settings", "find-cycles", "--start", "1", "--apply"}, u"Det ble funnet 0 sykluser."_s},
+        {{"auto-search", "--start", "1", "--cycles", "30"}, u"Det ble funnet 3 sykluser."_s},
+        {{"graph", "--png", png}, u"\n\n9,5\n\nPunkter i grafen: 43\n"_s},  // after the values above 1
+    };
+    for (const auto& t : tilfeller) {
+        const auto k = kjor(t.args);
+        EXPECT_TRUE(k.status == 0 && k.ut.contains(t.ut)) << k.ut << k.feil;
+    }
+    EXPECT_TRUE(mappe.les(u"Oppsett.txt"_s).startsWith("1!0!"));
+    EXPECT_GT(QImage(png).width(), 400);
+    EXPECT_EQ(kjor({"find-cycles"}).status, 2);  // --start is required
 }
 
 } // namespace
