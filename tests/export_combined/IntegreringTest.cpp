@@ -3,17 +3,9 @@
 // cycles, and the area itself against a trapezoid computed here from the same rows.
 #include "felles/Eksportmappe.h"
 
-#include "export/Eksport.h"
-#include "platform/xlsx/Arbeidsbok.h"
-
-#include <QApplication>
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 
 using namespace test;
-using ui::Svar;
-using Forslag = ui::SkriptDialogs::Forslag;
 
 namespace {
 
@@ -51,16 +43,6 @@ double trapes(int t, int siste)
     return areal;
 }
 
-// The cells' values as texts; "=F3" gives F3's formula, without regard to case or blanks.
-QStringList les(const Bok& bok, const QStringList& adresser)
-{
-    QStringList ut;
-    for (const QString& a : adresser)
-        ut << (a.startsWith(QLatin1Char('=')) ? bok.formler.value(a.mid(1)).toString().toUpper().remove(QLatin1Char(' '))
-                                              : bok[a].toVariant().toString());
-    return ut;
-}
-
 // The highest row holding anything on worksheet 1.
 int sisteRad(const Bok& bok)
 {
@@ -79,8 +61,7 @@ protected:
     }
     Utfall kjor(const char* fra, const char* til, const QString& prefiks = QStringLiteral("P"))
     {
-        sett(ui::Boks::Text4, QLatin1String(fra));
-        sett(ui::Boks::Text6, QLatin1String(til));
+        sykluser(fra, til);
         svar({Svar::Ja, prefiks, Forslag{}, Forslag{}});
         return form().Command12_Click();
     }
@@ -107,7 +88,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     // Cycle 1: rows 3..28 from T - 25 to T, row 29 the turning point again, cut at T + 10
     // (row 39); rows 40 to 2999 cleared.
     const Bok en = lesArbeidsbok(ut(QStringLiteral("P_1.xlsx")), true);
-    EXPECT_EQ(les(en, {"K2", "A3", "A28", "A29", "A39", "C30", "C39", "E39", "=F3", "=F4", "=F28", "=F29", "=F39", "=L17"}),
+    EXPECT_EQ(en.tekster({"K2", "A3", "A28", "A29", "A39", "C30", "C39", "E39", "=F3", "=F4", "=F28", "=F29", "=F39", "=L17"}),
               QStringList({"35", tidTekst(35 * 60 + 9 * 3600), tidTekst(T1 * 60), tidTekst(T1 * 60),
                            tidTekst((T1 + 10) * 60), "6", "0.5", "0", "=ABS((D3-D3)/2)", "=ABS((D4-D3)/2)",
                            "=ABS((D28-D27)/2)", "=ABS((D29-D30)/2)", "=ABS((D39-D40)/2)", "=SUM(G3:G39)"}));
@@ -115,13 +96,13 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
 
     // Cycle 2 comes back to its start level but not below: the after-part runs to T + 25.
     const Bok to = lesArbeidsbok(ut(QStringLiteral("P_2.xlsx")), true);
-    EXPECT_EQ(les(to, {"=L17", "A54"}), QStringList({"=SUM(G3:G54)", tidTekst((T2 + 25) * 60)}));
+    EXPECT_EQ(to.tekster({"=L17", "A54"}), QStringList({"=SUM(G3:G54)", tidTekst((T2 + 25) * 60)}));
     EXPECT_EQ(sisteRad(to), 54);
     for (const QString& a : to.celler.keys()) EXPECT_FALSE(a.startsWith(QLatin1Char('E')) && a.mid(1).toInt() > 2) << a.toStdString();
 
     // Cycle 3: the empty value is written as an empty cell and does not cut.
     const Bok tre = lesArbeidsbok(ut(QStringLiteral("P_3.xlsx")), true);
-    EXPECT_EQ(les(tre, {"C32", "E41", "=L17"}), QStringList({"", "0", "=SUM(G3:G41)"}));
+    EXPECT_EQ(tre.tekster({"C32", "E41", "=L17"}), QStringList({"", "0", "=SUM(G3:G41)"}));
 
     // The cached areas against the trapezoid, and in the summary's column B, which cycle 1
     // cleared down to the first empty cell.
@@ -136,7 +117,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
 
     // The template carries cycles 1 and 2; the last cycle went to the combined file only.
     const Bok mal = lesArbeidsbok(mappe.sti(MalAlle));
-    EXPECT_EQ(les(mal, {"B2", "B3", "B4"}), les(samle, {"B2", "B3", "B4"}).mid(0, 2) << QString());
+    EXPECT_EQ(mal.tekster({"B2", "B3", "B4"}), samle.tekster({"B2", "B3", "B4"}).mid(0, 2) << QString());
 
     // A later run from cycle 3 keeps rows 2 and 3 and saves cycle 3 into the template; cycle 4
     // has no start level and stops the command, its file unwritten.
@@ -144,7 +125,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     EXPECT_TRUE(dialogs.meldinger().last().startsWith(eksport::FeilMelding));
     EXPECT_TRUE(dialogs.meldinger().last().contains(QStringLiteral("startnivået")));
     EXPECT_EQ(utfiler().filter(QStringLiteral("R_")), QStringList({"R_3.xlsx"}));
-    EXPECT_EQ(les(lesArbeidsbok(mappe.sti(MalAlle)), {"B2", "B3", "B4"}), les(samle, {"B2", "B3", "B4"}));
+    EXPECT_EQ(lesArbeidsbok(mappe.sti(MalAlle)).tekster({"B2", "B3", "B4"}), samle.tekster({"B2", "B3", "B4"}));
 }
 
 TEST_F(Integrering, ManglendeMalerOgFeilStopperMedEnMelding)
@@ -181,7 +162,7 @@ TEST_F(Integrering, BatchSvarerMedMinutterForOgEtter)
     EXPECT_TRUE(r.ut.contains(QStringLiteral("Eksporten er ferdig")));
     // 6 rows before (3..8), 4 after (9..12): L17 sums to row 12, then row 17 itself is cleared.
     const Bok bok = lesArbeidsbok(ut(QStringLiteral("B_1.xlsx")));
-    EXPECT_EQ(les(bok, {"A8", "A12", "L17"}), QStringList({tidTekst(T1 * 60), tidTekst((T1 + 3) * 60), ""}));
+    EXPECT_EQ(bok.tekster({"A8", "A12", "L17"}), QStringList({tidTekst(T1 * 60), tidTekst((T1 + 3) * 60), ""}));
     EXPECT_TRUE(QFile::exists(ut(QStringLiteral("B_Samlefil_1.xlsx"))));
 
     EXPECT_EQ(batch({"integrate", "--no"}).status, 0);

@@ -2,10 +2,6 @@
 // printed, the exit status.
 #include "felles/Eksportmappe.h"
 
-#include "export/Eksport.h"
-
-#include <QFile>
-
 using namespace test;
 
 namespace {

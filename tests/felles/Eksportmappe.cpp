@@ -3,14 +3,11 @@
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
-#include <QDir>
 #include <QJsonDocument>
 #include <QLabel>
 #include <QProcess>
 
 namespace test {
-
-vb::Dato tid(int s) { return vb::Dato::fra(2012, 11, 23, s / 3600, s / 60 % 60, s % 60); }
 
 QString tidTekst(int s) { return QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", s / 3600, s / 60 % 60, s % 60); }
 
@@ -18,6 +15,15 @@ QVariantList Bok::diagrammer(int ark, const char* felt) const
 {
     QVariantList ut;
     for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray()) ut << d[QLatin1String(felt)].toVariant();
+    return ut;
+}
+
+QStringList Bok::tekster(const QStringList& adresser) const
+{
+    QStringList ut;
+    for (const QString& a : adresser)
+        ut << (a.startsWith(QLatin1Char('=')) ? formler[a.mid(1)].toString().toUpper().remove(QLatin1Char(' '))
+                                              : celler[a].toVariant().toString());
     return ut;
 }
 
@@ -74,7 +80,7 @@ void Eksportmappe::rader(int fra, int til, int steg, const std::function<Verdier
 void Eksportmappe::snupunkter(const QList<int>& sekunder)
 {
     QStringList tekster;
-    for (int s : sekunder) tekster << tid(s).generellTekst();
+    for (int s : sekunder) tekster << vb::Dato::fra(2012, 11, 23, s / 3600, s / 60 % 60, s % 60).generellTekst();
     filer::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
 
