@@ -37,6 +37,10 @@ TEST_F(Graftittel, SamlegrafEndrerBareMalenForValgtRetning)
     for (bool adsorpsjon : {true, false}) {
         const QString endret = adsorpsjon ? eksport::MalAdsorpsjon : eksport::MalDesorpsjon;
         const QString annen = adsorpsjon ? eksport::MalDesorpsjon : eksport::MalAdsorpsjon;
+        auto mal = xlsx::apne(mappe.sti(endret));  // C1 emptied first, to see the command write it
+        mal->ark(1).settCelle(1, 3, xlsx::Verdi{});
+        mal->lagre();
+        mal.reset();
         const QByteArray for_ = mappe.les(annen);
         form().velgAdsorpsjon(adsorpsjon);
         svar({endret});
