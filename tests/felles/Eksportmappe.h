@@ -6,8 +6,8 @@
 #include "app/Form1.h"
 #include "export/Eksport.h"
 #include "felles/Felles.h"
-#include "platform/xlsx/Arbeidsbok.h"
 #include "platform/dialogs/SkriptDialogs.h"
+#include "platform/xlsx/Arbeidsbok.h"
 
 #include <QApplication>
 #include <QDir>
