@@ -1,18 +1,12 @@
 // "9.  Lag enkeltgraf" on a real program folder: which cycles become workbooks, what the
-// workbooks hold as openpyxl reads them, and how refusals and failures end the command.
-#include "Eksportmappe.h"
+// workbooks hold as openpyxl reads them, and how refusals and failures end the command;
+// and the refusals every cycle export makes before it begins.
+#include "felles/Eksportmappe.h"
 
-#include "export/Eksport.h"
 #include "files/Tekstfil.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QJsonArray>
-#include <QPushButton>
-
+using namespace test;
 using ui::Boks;
-using ui::SkriptDialogs;
 
 namespace {
 
@@ -20,266 +14,223 @@ constexpr int Minutt = 60;
 // Turning points whose windows start 58.5, 230.5 and 231.5 minutes into the data.
 const QList<int> Snupunkter = {60 * Minutt, 232 * Minutt, 233 * Minutt};
 
+// C = s, D = s · 1e-10, E..J = s + the column's number, K empty.
+Verdier verdier(int s)
+{
+    Verdier v{s, s * 1e-10};
+    for (int kolonne = 5; kolonne <= 10; ++kolonne) v << s + kolonne;
+    return v << std::nullopt;
+}
+
 class Enkeltgraf : public Eksportmappe {
 protected:
-    // Rows every 30 s for five hours, three turning points, windows from 2 minutes before
-    // to 3 minutes after each of them.
+    // Rows every 30 s for five hours, windows from 2 minutes before to 3 minutes after.
     void fyll()
     {
-        rader(0, 300 * Minutt, 30);
+        rader(0, 300 * Minutt, 30, verdier);
         snupunkter(Snupunkter);
         sett(Boks::Text1, QStringLiteral("2"));
         sett(Boks::Text2, QStringLiteral("3"));
     }
     Utfall eksporter(const QString& prefiks)
     {
-        dialogs.svar(ui::Svar::Ja);
-        dialogs.svar(prefiks);
+        svar({Svar::Ja, prefiks});
         return form().Command3_Click();
     }
-    QStringList utfiler() const
-    {
-        return QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::Files, QDir::Name);
-    }
-
     // The workbook of the cycle with turning point T: rows T−1:30 … T+3:00 (the row at T−2:00
-    // is outside), O1 and both axes; every other cell as the template has it.
+    // is outside), O1 and both charts' axis; every other cell as the template has it.
     void sjekkSyklus(const QString& fil, int T, double o1, double akse)
     {
         SCOPED_TRACE(fil.toStdString());
-        const QJsonObject bok = lesArbeidsbok(ut(fil));
-        const QJsonObject mal = lesArbeidsbok(mappe.sti(eksport::MalSykluser));
-        EXPECT_EQ(bok[QStringLiteral("ark")], mal[QStringLiteral("ark")]);
-
-        QJsonObject celler = bok[QStringLiteral("celler")].toObject();
-        QJsonObject malceller = mal[QStringLiteral("celler")].toObject();
+        const Bok bok = lesArbeidsbok(ut(fil)), mal = lesArbeidsbok(mappe.sti(eksport::MalSykluser));
+        QJsonObject celler = bok.celler, malceller = mal.celler;
         auto ta = [&](const QString& adresse) {
             malceller.remove(adresse);
             return celler.take(adresse);
         };
         EXPECT_DOUBLE_EQ(ta(QStringLiteral("O1")).toDouble(), o1);
-        for (int r = 0; r < 10; ++r) {
-            const int s = T - 90 + 30 * r;
-            const QString rad = QString::number(2 + r);
-            EXPECT_EQ(ta(QStringLiteral("A") + rad).toString(), tidTekst(tid(s))) << rad.toStdString();
-            EXPECT_DOUBLE_EQ(ta(QStringLiteral("C") + rad).toDouble(), s);
-            EXPECT_DOUBLE_EQ(ta(QStringLiteral("D") + rad).toDouble(), s * 1e-10);
-            for (int kol = 5; kol <= 10; ++kol)
-                EXPECT_DOUBLE_EQ(ta(QChar('A' + kol - 1) + rad).toDouble(), s + kol);
-            EXPECT_TRUE(ta(QStringLiteral("K") + rad).isUndefined()) << "K" << rad.toStdString();
+        for (int r = 2; r <= 11; ++r) {
+            const int s = T - 90 + 30 * (r - 2);
+            EXPECT_EQ(ta(QStringLiteral("A%1").arg(r)).toString(), tidTekst(s)) << r;
+            const Verdier v = verdier(s);
+            for (int i = 0; i < v.size(); ++i) {
+                const QJsonValue c = ta(QStringLiteral("%1%2").arg(QChar('C' + i)).arg(r));
+                if (v[i]) EXPECT_DOUBLE_EQ(c.toDouble(), *v[i]) << i << " " << r;
+                else EXPECT_TRUE(c.isUndefined()) << r;
+            }
         }
-        EXPECT_EQ(celler, malceller) << "celler utenfor vinduet skal være som i malen";
-
-        const QJsonArray grafer = bok[QStringLiteral("diagrammer")].toArray()[1].toArray();
-        ASSERT_GE(grafer.size(), 2);
-        EXPECT_DOUBLE_EQ(grafer[0][QStringLiteral("xmin")].toDouble(), akse);
-        EXPECT_DOUBLE_EQ(grafer[1][QStringLiteral("xmin")].toDouble(), akse);
+        EXPECT_EQ(celler, malceller);
+        EXPECT_EQ(bok.json[QStringLiteral("ark")], mal.json[QStringLiteral("ark")]);
+        EXPECT_EQ(bok.diagrammer(2, "xmin"), QVariantList({akse, akse}));
     }
 };
 
 TEST_F(Enkeltgraf, ValgteSykluserBlirArbeidsbokerMedVinduForskyvningOgAkse)
 {
     fyll();
-    sett(Boks::Text4, QStringLiteral("2"));
-    sett(Boks::Text6, QStringLiteral("3"));
-    EXPECT_EQ(eksporter(QStringLiteral("Forsok")), Utfall::Ferdig);
-
+    // The proposed prefix gives a double underscore; a file of that name is replaced.
+    sykluser("1", "1");
+    QDir().mkdir(mappe.sti(QStringLiteral("Data_Bearbeidet")));
+    const QString foreslatt = vb::dagensDatoTekst() + QStringLiteral("__1.xlsx");
+    filer::SkrivTilFil(ut(foreslatt), QStringLiteral("gammel fil"));
+    svar({Svar::Ja, Forslag{}});
+    EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
     const auto& d = dialogs.dialoger();
     ASSERT_EQ(d.size(), 3u);
-    EXPECT_EQ(d[0].tekst, QStringLiteral("Vil du lage excel-filer for 2 run?"));
+    EXPECT_EQ(QStringList({d[0].tekst, d[1].tekst, d[1].tittel, d[1].forslag, d[2].tekst}),
+              QStringList({"Vil du lage excel-filer for 1 run?", "Angi filnavn", "Filnavn",
+                           vb::dagensDatoTekst() + QLatin1Char('_'), "Eksporten er ferdig!"}));
     EXPECT_EQ(d[0].knapper, ui::Knapper::JaNei);
     EXPECT_EQ(d[0].ikon, ui::Ikon::Sporsmal);
-    EXPECT_EQ(d[1].type, SkriptDialogs::Type::Inndata);
-    EXPECT_EQ(d[1].tekst, QStringLiteral("Angi filnavn"));
-    EXPECT_EQ(d[1].tittel, QStringLiteral("Filnavn"));
-    EXPECT_EQ(d[1].forslag, vb::dagensDatoTekst() + QLatin1Char('_'));
-    EXPECT_EQ(d[2].tekst, QStringLiteral("Eksporten er ferdig!"));
     EXPECT_EQ(d[2].ikon, ui::Ikon::Informasjon);
+    sjekkSyklus(foreslatt, Snupunkter[0], 58.5, 58);
 
-    EXPECT_EQ(utfiler(), QStringList({"Forsok_2.xlsx", "Forsok_3.xlsx"}));
+    // Cycles 2 and 3 only; the axis starts at the window start rounded half to even.
+    sykluser("2", "3");
+    EXPECT_EQ(eksporter(QStringLiteral("Forsok")), Utfall::Ferdig);
+    EXPECT_EQ(dialogs.meldinger().mid(2), QStringList({"Vil du lage excel-filer for 2 run?", "Eksporten er ferdig!"}));
+    EXPECT_EQ(utfiler(), QStringList({foreslatt, "Forsok_2.xlsx", "Forsok_3.xlsx"}));
     sjekkSyklus(QStringLiteral("Forsok_2.xlsx"), Snupunkter[1], 230.5, 230);
     sjekkSyklus(QStringLiteral("Forsok_3.xlsx"), Snupunkter[2], 231.5, 232);
     EXPECT_EQ(label4(), vb::antallTekst(12) + QStringLiteral(" (Run 3)"));
 }
 
-TEST_F(Enkeltgraf, ForeslattPrefiksGirDobbeltUnderstrekOgEksisterendeFilErstattes)
+TEST_F(Enkeltgraf, SyklusUtenRaderEllerUtenMalGirIngenFil)
 {
     fyll();
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("1"));
-    QDir().mkdir(mappe.sti(QStringLiteral("Data_Bearbeidet")));
-    const QString navn = vb::dagensDatoTekst() + QStringLiteral("__1.xlsx");
-    filer::SkrivTilFil(ut(navn), QStringLiteral("gammel fil"));
-
-    dialogs.svar(ui::Svar::Ja);
-    dialogs.svar(SkriptDialogs::Forslag{});
-    EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
-    EXPECT_EQ(utfiler(), QStringList({navn}));
-    sjekkSyklus(navn, Snupunkter[0], 58.5, 58);
-}
-
-TEST_F(Enkeltgraf, AvslagAvbruddOgTomTabell)
-{
-    // No turning points yet: refused before anything else, no output folder. (The button itself.)
-    form().findChild<QPushButton*>(QStringLiteral("Command3"))->click();
-    EXPECT_EQ(dialogs.meldinger(), QStringList({"Du må først finne antall sykluser"}));
-    const QDir utmappe(mappe.sti(QStringLiteral("Data_Bearbeidet")));
-    EXPECT_FALSE(utmappe.exists());
-
-    // Nothing imported: the chooser is empty.
-    snupunkter(Snupunkter);
-    const QStringList kolonner = form().kolonner();
-    form().settKolonner({});
-    EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Ingen data importert"));
-    EXPECT_FALSE(utmappe.exists());
-    form().settKolonner(kolonner);
-
-    // No to the question, then an empty prefix: silent ends, the folder is made all the same.
-    dialogs.svar(ui::Svar::Nei);
-    EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
-    EXPECT_EQ(eksporter(QString()), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.dialoger().size(), 5u);  // two refusals; question; question and prefix box
-    EXPECT_TRUE(utmappe.exists());
-
-    // An empty table has no data start time.
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
-    EXPECT_TRUE(utfiler().isEmpty());
-    EXPECT_FALSE(dialogs.ubrukteSvar());
-}
-
-TEST_F(Enkeltgraf, TommeUtvalgOgVinduerGirIngenFil)
-{
-    fyll();
-    // First cycle after the last: the question counts zero runs, nothing is written.
-    sett(Boks::Text4, QStringLiteral("4"));
-    sett(Boks::Text6, QStringLiteral("3"));
+    // First cycle after the last: zero runs, nothing written.
+    sykluser("4", "3");
     EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.meldinger(), QStringList({"Vil du lage excel-filer for 0 run?", "Eksporten er ferdig!"}));
-    EXPECT_TRUE(utfiler().isEmpty());
-
-    // A turning point where no rows were logged: no file and no message for it.
-    snupunkter({60 * Minutt, 400 * Minutt});
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("2"));
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Eksporten er ferdig!"));
-    EXPECT_EQ(utfiler(), QStringList({"P_1.xlsx"}));
-}
-
-TEST_F(Enkeltgraf, ManglendeMalMeldesForHverSyklusMedRader)
-{
-    fyll();
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("3"));
+    // Without the template each cycle with rows says so; cycle 2 has no rows and says nothing.
+    snupunkter({60 * Minutt, 400 * Minutt, 232 * Minutt});
     ASSERT_TRUE(QFile::remove(mappe.sti(eksport::MalSykluser)));
+    sykluser("1", "3");
     EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.meldinger(), QStringList({"Vil du lage excel-filer for 3 run?", "Du mangler malfila",
-                                                "Du mangler malfila", "Du mangler malfila", "Eksporten er ferdig!"}));
+    EXPECT_EQ(dialogs.meldinger(),
+              QStringList({"Vil du lage excel-filer for 0 run?", "Eksporten er ferdig!", "Vil du lage excel-filer for 3 run?",
+                           "Du mangler malfila", "Du mangler malfila", "Eksporten er ferdig!"}));
     EXPECT_TRUE(utfiler().isEmpty());
 }
 
-TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMelding)
+TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMeldingOgOdeleggerIngenting)
 {
     fyll();
-    const QString feil = eksport::FeilMelding;
+    auto feiler = [&](std::initializer_list<ui::SkriptDialogs::Svaret> s) {
+        svar(s);
+        EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
+        EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    };
     // More cycles asked for than found: the ones that exist are written, then the error.
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("5"));
-    EXPECT_EQ(eksporter(QStringLiteral("A")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), feil);
+    sykluser("1", "5");
+    feiler({Svar::Ja, QStringLiteral("A")});
     EXPECT_FALSE(dialogs.meldinger().contains(QStringLiteral("Eksporten er ferdig!")));
-    EXPECT_EQ(utfiler(), QStringList({"A_1.xlsx", "A_2.xlsx", "A_3.xlsx"}));
+    const QStringList skrevet = {"A_1.xlsx", "A_2.xlsx", "A_3.xlsx", "P_1.xlsx"};
+    EXPECT_EQ(utfiler(), skrevet.mid(0, 3));
 
     // Settings that are no numbers: already in the question, or when the first window is computed.
-    sett(Boks::Text6, QStringLiteral("3"));
-    sett(Boks::Text4, QStringLiteral("x"));
-    EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), feil);
-    sett(Boks::Text4, QStringLiteral("1"));
+    sykluser("x", "1");
+    feiler({});
+    sykluser("1", "1");
     sett(Boks::Text2, QStringLiteral("tre"));
-    EXPECT_EQ(eksporter(QStringLiteral("B")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), feil);
+    feiler({Svar::Ja, QStringLiteral("B")});
     sett(Boks::Text2, QStringLiteral("3"));
+    // Prefixes that no file name can hold.
+    feiler({Svar::Ja, QStringLiteral("a/b")});
+    feiler({Svar::Ja, QStringLiteral("a:b")});
 
-    // A prefix that no file name can hold.
-    EXPECT_EQ(eksporter(QStringLiteral("a/b")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), feil);
-    EXPECT_EQ(eksporter(QStringLiteral("a:b")), Utfall::Avvist);
+    // A write-protected output file, or a folder in the file's place, is not replaced.
+    const QString fil = QStringLiteral("Data_Bearbeidet/P_1.xlsx");
+    mappe.skriv(fil, "beskyttet");
+    QFile::setPermissions(mappe.sti(fil), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    feiler({Svar::Ja, QStringLiteral("P")});
+    EXPECT_EQ(mappe.les(fil), QByteArray("beskyttet"));
+    QDir().mkdir(ut(QStringLiteral("Q_1.xlsx")));
+    feiler({Svar::Ja, QStringLiteral("Q")});
 
-    // A turning point that is no date-time.
-    filer::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), QStringLiteral("i går"));
-    EXPECT_EQ(eksporter(QStringLiteral("C")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), feil);
-
-    EXPECT_EQ(utfiler(), QStringList({"A_1.xlsx", "A_2.xlsx", "A_3.xlsx"}));
-    EXPECT_FALSE(dialogs.ubrukteSvar());
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-}
-
-TEST_F(Enkeltgraf, OdelagtMalEllerSperretUtfilGirFeilOgOdeleggerIngenting)
-{
-    fyll();
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("1"));
+    // A template that is no workbook, then one with a single chart on its second sheet (it
+    // fails at the second axis): left as it was, nothing written.
     mappe.skriv(eksport::MalSykluser, "ikke en arbeidsbok");
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    feiler({Svar::Ja, QStringLiteral("R")});
     EXPECT_EQ(mappe.les(eksport::MalSykluser), QByteArray("ikke en arbeidsbok"));
-    EXPECT_TRUE(QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
-
-    // A workbook with a single chart on its second sheet fails at the second axis.
     QFile::remove(mappe.sti(eksport::MalSykluser));
     QFile::copy(mappe.sti(eksport::MalAdsorpsjon), mappe.sti(eksport::MalSykluser));
     const QByteArray enGraf = mappe.les(eksport::MalSykluser);
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    feiler({Svar::Ja, QStringLiteral("R")});
     EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
-    EXPECT_TRUE(utfiler().isEmpty());
 
-    // A write-protected output file is not replaced.
-    QFile::remove(mappe.sti(eksport::MalSykluser));
-    QFile::copy(QStringLiteral(TOLVIK_DIST "/Mal_Sykluser.xlsx"), mappe.sti(eksport::MalSykluser));
-    const QString fil = ut(QStringLiteral("P_1.xlsx"));
-    filer::SkrivTilFil(fil, QStringLiteral("beskyttet"));
-    QFile::setPermissions(fil, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
-    EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
-    EXPECT_EQ(innhold(fil), QByteArray("beskyttet\r\n"));
-
-    // A folder in the file's place cannot be replaced either.
-    QDir().mkdir(ut(QStringLiteral("Q_1.xlsx")));
-    EXPECT_EQ(eksporter(QStringLiteral("Q")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
-    EXPECT_EQ(utfiler(), QStringList({"P_1.xlsx"}));
+    // A turning point that is no date-time.
+    filer::SkrivTilFil(mappe.sti(eksport::SnuPunktFil), QStringLiteral("i går"));
+    feiler({Svar::Ja, QStringLiteral("C")});
+    EXPECT_EQ(utfiler(), skrevet);
+    EXPECT_FALSE(dialogs.ubrukteSvar());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(Enkeltgraf, RadtellerenTalerIkkeMerEnn32767)
 {
     // 32 765 rows in one second fill the sheet's rows 2 to 32 766 and leave the counter at
     // 32 767; one more row would move it past.
-    form();
     {
         db::Transaksjon tr(form().kontekst().tilkobling);
-        for (int i = 0; i < 32765; ++i) rad(tid(Minutt), i);
+        for (int i = 0; i < 32765; ++i) rad(Minutt, {i});
         tr.fullfor();
     }
     snupunkter({Minutt, Minutt});
-    sett(Boks::Text1, QStringLiteral("1"));
-    sett(Boks::Text2, QStringLiteral("1"));
-    sett(Boks::Text4, QStringLiteral("1"));
-    sett(Boks::Text6, QStringLiteral("1"));
+    for (Boks b : {Boks::Text1, Boks::Text2, Boks::Text4, Boks::Text6}) sett(b, QStringLiteral("1"));
     EXPECT_EQ(eksporter(QStringLiteral("Full")), Utfall::Ferdig);
-    EXPECT_EQ(utfiler(), QStringList({"Full_1.xlsx"}));
     EXPECT_EQ(label4(), vb::antallTekst(32767) + QStringLiteral(" (Run 1)"));
 
-    rad(tid(Minutt), -1);
-    sett(Boks::Text4, QStringLiteral("2"));
-    sett(Boks::Text6, QStringLiteral("2"));
+    rad(Minutt, {-1});
+    sykluser("2", "2");
     EXPECT_EQ(eksporter(QStringLiteral("Full")), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
     EXPECT_EQ(utfiler(), QStringList({"Full_1.xlsx"}));
+}
+
+class Eksporter : public Eksportmappe {};
+
+TEST_F(Eksporter, AvviserUtenSnupunkterDataEllerSvar)
+{
+    const QString utmappe = mappe.sti(QStringLiteral("Data_Bearbeidet"));
+    const struct {
+        const char* knapp;
+        Utfall (Form1::*klikk)();
+        QString tomTabell;
+    } kommandoer[] = {{"Command3", &Form1::Command3_Click, eksport::FeilMelding},
+                      {"Command5", &Form1::Command5_Click, QStringLiteral("Finnes det data i tabellen?")},
+                      {"Command12", &Form1::Command12_Click, eksport::FeilMelding}};
+    for (const auto& k : kommandoer) {
+        SCOPED_TRACE(k.knapp);
+        QFile::remove(mappe.sti(eksport::SnuPunktFil));
+        QDir(utmappe).removeRecursively();
+        // The button itself, before any cycle search.
+        form().findChild<QPushButton*>(QLatin1String(k.knapp))->click();
+        EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Du må først finne antall sykluser"));
+
+        // Nothing imported: the chooser is empty. Neither refusal makes the output folder.
+        snupunkter({Minutt});
+        const QStringList kolonner = form().kolonner();
+        form().settKolonner({});
+        EXPECT_EQ((form().*k.klikk)(), Utfall::Avvist);
+        EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Ingen data importert"));
+        EXPECT_FALSE(QDir(utmappe).exists());
+        form().settKolonner(kolonner);
+
+        // No to the question, then an empty prefix: silent ends; the folder is made all the same.
+        const size_t vist = dialogs.dialoger().size();
+        svar({Svar::Nei, Svar::Ja, QString()});
+        EXPECT_EQ((form().*k.klikk)(), Utfall::Ferdig);
+        EXPECT_EQ((form().*k.klikk)(), Utfall::Ferdig);
+        EXPECT_EQ(dialogs.dialoger().size(), vist + 3);
+        EXPECT_TRUE(QDir(utmappe).exists());
+
+        // An empty table.
+        svar({Svar::Ja, QStringLiteral("P")});
+        EXPECT_EQ((form().*k.klikk)(), Utfall::Avvist);
+        EXPECT_TRUE(dialogs.meldinger().last().startsWith(k.tomTabell)) << dialogs.meldinger().last().toStdString();
+        EXPECT_TRUE(utfiler().isEmpty());
+        EXPECT_FALSE(dialogs.ubrukteSvar());
+    }
 }
 
 } // namespace

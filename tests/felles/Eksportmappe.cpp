@@ -1,0 +1,99 @@
+#include "felles/Eksportmappe.h"
+
+#include "files/Oppsett.h"
+#include "files/Tekstfil.h"
+
+#include <QJsonDocument>
+#include <QLabel>
+#include <QProcess>
+
+namespace test {
+
+QString tidTekst(int s) { return QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", s / 3600, s / 60 % 60, s % 60); }
+
+QVariantList Bok::diagrammer(int ark, const char* felt) const
+{
+    QVariantList ut;
+    for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray()) ut << d[QLatin1String(felt)].toVariant();
+    return ut;
+}
+
+QStringList Bok::tekster(const QStringList& adresser) const
+{
+    QStringList ut;
+    for (const QString& a : adresser)
+        ut << (a.startsWith(QLatin1Char('=')) ? formler[a.mid(1)].toString().toUpper().remove(QLatin1Char(' '))
+                                              : celler[a].toVariant().toString());
+    return ut;
+}
+
+Bok lesArbeidsbok(const QString& fil, bool bufret)
+{
+    QProcess p;
+    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py"), fil,
+                                                  bufret ? QStringLiteral("--bufret") : QString()});
+    p.waitForFinished(120000);
+    EXPECT_EQ(p.exitCode(), 0) << fil.toStdString() << ": " << p.readAllStandardError().toStdString();
+    const QJsonObject o = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
+    return {o, o[QStringLiteral("celler")].toObject(), o[QStringLiteral("formler")].toObject()};
+}
+
+Eksportmappe::Eksportmappe()
+{
+    for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))
+        if (!QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) ADD_FAILURE() << mal.toStdString();
+    QStringList linjer;
+    for (int k = 3; k <= 11; ++k) linjer << filer::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), filer::kolonneBokstav(k));
+    filer::SkrivTilFil(mappe.sti(filer::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
+}
+
+Form1& Eksportmappe::form()
+{
+    if (!form_) form_ = std::make_unique<Form1>(mappe.mappe(), dialogs);
+    return *form_;
+}
+
+void Eksportmappe::svar(std::initializer_list<ui::SkriptDialogs::Svaret> svar)
+{
+    for (const auto& s : svar) dialogs.svar(s);
+}
+
+void Eksportmappe::rad(int sekunder, const Verdier& verdier)
+{
+    QString kolonner, tall;
+    for (int i = 0; i < verdier.size(); ++i) {
+        kolonner += QStringLiteral(", ") + filer::kolonneBokstav(i + 3);
+        tall += QStringLiteral(", ") + (verdier[i] ? vb::sqlTekst(*verdier[i]) : QStringLiteral("Null"));
+    }
+    form().kontekst().tilkobling.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst%1) VALUES ('%2', '%3'%4)")
+                                           .arg(kolonner, QStringLiteral("23/11/2012 ") + tidTekst(sekunder).mid(12, 8),
+                                                tidTekst(sekunder), tall));
+}
+
+void Eksportmappe::rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier)
+{
+    db::Transaksjon tr(form().kontekst().tilkobling);
+    for (int s = fra; s <= til; s += steg) rad(s, verdier(s));
+    tr.fullfor();
+}
+
+void Eksportmappe::snupunkter(const QList<int>& sekunder)
+{
+    QStringList tekster;
+    for (int s : sekunder) tekster << vb::Dato::fra(2012, 11, 23, s / 3600, s / 60 % 60, s % 60).generellTekst();
+    filer::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
+}
+
+QStringList Eksportmappe::utfiler() const
+{
+    return QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::Files, QDir::Name);
+}
+
+QString Eksportmappe::label4() const { return form_->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
+
+Kjoring Eksportmappe::batch(const QStringList& argumenter) const
+{
+    return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
+}
+
+} // namespace test

@@ -1,0 +1,73 @@
+// A program folder for the export tests: the built workbook templates, a column list for
+// C..K, measurement rows and turning points, the real main window over it with scripted
+// dialogs, and workbooks read back with openpyxl.
+#pragma once
+
+#include "app/Form1.h"
+#include "export/Eksport.h"
+#include "felles/Felles.h"
+#include "platform/dialogs/SkriptDialogs.h"
+#include "platform/xlsx/Arbeidsbok.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QPushButton>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+
+namespace test {
+
+using ui::Svar;
+using Forslag = ui::SkriptDialogs::Forslag;
+
+// The values of a row for columns C, D, E, ... in order; an empty one is stored as Null.
+using Verdier = QList<std::optional<double>>;
+
+// Seconds after 23.11.2012 00:00 (within the day) as the import stores it in DatoTid_Tekst.
+QString tidTekst(int sekunder);
+
+// A workbook as openpyxl reads it; a failing read fails the test.
+struct Bok {
+    QJsonObject json;  // "ark", "diagrammer" (per sheet: {"tittel", "xmin"}), "makro"
+    QJsonObject celler;   // sheet 1: address -> value (for a formula its text, or its cached value when bufret)
+    QJsonObject formler;  // sheet 1: address -> formula text
+    QJsonValue operator[](const QString& adresse) const { return celler.value(adresse); }
+    // The cells' values as texts ("" for none); "=F3" gives F3's formula in capitals without blanks.
+    QStringList tekster(const QStringList& adresser) const;
+    // The given field of every chart on sheet ark (from 1).
+    QVariantList diagrammer(int ark, const char* felt) const;
+};
+Bok lesArbeidsbok(const QString& fil, bool bufret = false);
+
+class Eksportmappe : public ::testing::Test {
+protected:
+    Eksportmappe();
+
+    // The main window, opened on first use over the folder as it is then.
+    Form1& form();
+    void sett(ui::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
+    void sykluser(const char* fra, const char* til) { sett(ui::Boks::Text4, fra), sett(ui::Boks::Text6, til); }
+    void svar(std::initializer_list<ui::SkriptDialogs::Svaret> svar);
+    // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
+    void rad(int sekunder, const Verdier& verdier);
+    void rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier);
+    void snupunkter(const QList<int>& sekunder);  // SnuPunkter.txt
+
+    QString ut(const QString& navn) const { return mappe.sti(QStringLiteral("Data_Bearbeidet/") + navn); }
+    QStringList utfiler() const;
+    QString label4() const;
+    Kjoring batch(const QStringList& argumenter) const;  // tolvik-batch on this folder
+
+    Programmappe mappe;
+    ui::SkriptDialogs dialogs;
+
+private:
+    std::unique_ptr<Form1> form_;
+};
+
+} // namespace test
