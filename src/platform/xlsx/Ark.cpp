@@ -128,9 +128,12 @@ void Ark::last() {
     foran_ = xml.substr(0, start);
     bak_ = xml.substr(slutt);
 
+    // A shared formula's first cell; its parse serves every cell of the group, since a parse
+    // is independent of the cell it stands in.
     struct Delt {
         std::string tekst;
         int rad, kol;
+        std::shared_ptr<const formel::Uttrykk> tre;
     };
     std::map<std::string, Delt> delte;
     int radNr = 0;
@@ -186,10 +189,12 @@ void Ark::last() {
                 if (ft == "shared") {
                     std::string si = f.attribute("si").value();
                     if (f.attribute("ref")) {
-                        delte[si] = {f.child_value(), radNr, kolNr};
                         fd->tekst = f.child_value();
+                        fd->tre = tolkelager().hent(fd->tekst, radNr, kolNr);
+                        delte[si] = {fd->tekst, radNr, kolNr, fd->tre};
                     } else if (auto m = delte.find(si); m != delte.end()) {
                         fd->tekst = formel::flytt(m->second.tekst, radNr - m->second.rad, kolNr - m->second.kol);
+                        fd->tre = m->second.tre;
                     }
                 } else {
                     fd->tekst = f.child_value();
@@ -207,6 +212,11 @@ void Ark::last() {
     }
     lastet_ = true;
     sist_ = rader_.end();
+}
+
+formel::Tolkelager& Ark::tolkelager() {
+    static formel::Tolkelager lager;
+    return lager;
 }
 
 // ---------------------------------------------------------------- cells
@@ -348,7 +358,7 @@ Resultat Ark::verdiAv(Celle& c) {
     }
     f.gen = gen_;
     f.underveis = true;
-    if (!f.tre) f.tre = tolkelager_.hent(f.tekst, f.rad, c.kol);
+    if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, c.kol);
     Resultat r = formel::beregn(*f.tre, kilde_, f.rad, c.kol);
     if (r.art == Resultat::Tom) r = Resultat::nummer(0);
     f.verdi = r;
@@ -520,7 +530,7 @@ void Ark::finnDelteFormler() {
             f.delt = -1;
             f.deltTil = 0;
             if (!f.attr.empty()) continue;
-            if (!f.tre) f.tre = tolkelager_.hent(f.tekst, f.rad, c.kol);
+            if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, c.kol);
             Lop& l = lop[c.kol];
             if (l.tre == f.tre.get() && l.sisteRad == nr - 1) {
                 if (l.forste->delt < 0) l.forste->delt = neste++;

@@ -106,7 +106,8 @@ private:
     std::map<int, Rad> rader_;
     std::map<int, Rad>::iterator sist_ = rader_.end();
     Kilde kilde_{*this};
-    formel::Tolkelager tolkelager_;
+    // One store for every sheet of the run: the same template is opened once per exported cycle.
+    static formel::Tolkelager& tolkelager();
 };
 
 } // namespace xlsx

@@ -653,15 +653,25 @@ Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne) {
     return b.verdi(uttrykk.rot);
 }
 
+constexpr size_t MaksICelle = 200000;
+
 std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad, int kolonne) {
     std::string& nokkel = nokkel_;
-    nokkel.clear();
     auto tall = [&](int x, bool fast) {
         char buf[16];
         auto r = std::to_chars(buf, buf + sizeof buf, x);
         nokkel.append(buf, r.ptr);
         if (fast) nokkel += '$';
     };
+    nokkel.assign(formel);
+    nokkel += '@';
+    tall(rad, false);
+    nokkel += ',';
+    tall(kolonne, false);
+    if (auto kjent = iCelle_.find(nokkel); kjent != iCelle_.end()) return kjent->second;
+    if (iCelle_.size() > MaksICelle) iCelle_.clear();  // bounds a long session's memory
+    std::string iCelle = nokkel;
+    nokkel.clear();
     skann(formel, [&](const Token& t) {
         if (t.blankForan) nokkel += ' ';
         nokkel += static_cast<char>('a' + t.art);
@@ -675,7 +685,7 @@ std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad
     });
     auto it = lager_.find(nokkel);
     if (it == lager_.end()) it = lager_.emplace(nokkel, tolk(formel, rad, kolonne)).first;
-    return it->second;
+    return iCelle_.emplace(std::move(iCelle), it->second).first->second;
 }
 
 std::string normaliser(std::string_view formel) { return skrivTokens(lesTokens(formel), 0, 0); }

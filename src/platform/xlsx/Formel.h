@@ -47,13 +47,15 @@ std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad = 1, int ko
 Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad = 1, int kolonne = 1);
 
 // Parsed formulas by their position-independent form: a column of template formulas
-// that differ only by their row is parsed once.
+// that differ only by their row is parsed once. The same text in the same cell is found
+// without reading it again, so a template opened once per exported cycle is read once.
 class Tolkelager {
 public:
     std::shared_ptr<const Uttrykk> hent(std::string_view formel, int rad, int kolonne);
 
 private:
     std::unordered_map<std::string, std::shared_ptr<const Uttrykk>> lager_;
+    std::unordered_map<std::string, std::shared_ptr<const Uttrykk>> iCelle_;
     std::string nokkel_;
 };
 
