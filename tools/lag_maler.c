@@ -47,12 +47,12 @@ static void forlopformel(char *ut, size_t n, int rad, const char *start, char kl
     snprintf(ut, n, "=IF(A%d=\"\",NA(),%s+%c%d-$%c$%d)", rad, start, klokke, rad, klokke, forste);
 }
 
-/* Minutes of row rad after the time in row forste in one formula (the combined workbook,
- * whose columns right of the cycles must stay free): #N/A for a row without time. */
-static void minuttformel(char *ut, size_t n, int rad, int forste) {
+/* Minutes of row rad after the time in row forste, plus the offset cell start (NULL for
+ * none), in one formula: #N/A for a row without time, so charts leave it out. */
+static void minuttformel(char *ut, size_t n, int rad, int forste, const char *start) {
     char d[1000];
     minuttdifferanse(d, sizeof d, rad, forste);
-    snprintf(ut, n, "=IF(A%d=\"\",NA(),%s)", rad, d);
+    snprintf(ut, n, "=IF(A%d=\"\",NA(),%s%s%s)", rad, start ? start : "", start ? "+" : "", d);
 }
 
 typedef struct {
@@ -163,17 +163,14 @@ static void lagSykluser(const char *mappe) {
     worksheet_write_string(data, 0, 11, "Merknad", s.overskrift);
     worksheet_write_string(data, 0, 13, "Start (min fra datastart)", s.overskrift);
     worksheet_write_number(data, 0, 14, 0, s.merke);
-    worksheet_write_string(data, 0, 12, "Klokke (min)", s.overskrift);
     const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 10, 12, s.tall}, {11, 11, 14, NULL},
-                               {12, 12, 12, NULL, 1}, {13, 13, 16, NULL}, {14, 14, 10, NULL}};
-    kolonner(data, bredder, 7);
+                               {13, 13, 16, NULL}, {14, 14, 10, NULL}};
+    kolonner(data, bredder, 6);
     worksheet_freeze_panes(data, 1, 1);
     for (int rad = 2; rad <= SYKLUS_RADER + 1; ++rad) {
         char f[1000];
-        forlopformel(f, sizeof f, rad, "$O$1", 'M', 2);
+        minuttformel(f, sizeof f, rad, 2, "$O$1");
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
-        klokkeformel(f, sizeof f, rad);
-        worksheet_write_formula(data, (lxw_row_t)(rad - 1), 12, f, NULL);
     }
 
     lxw_chart *co2 = spredningsdiagram(bok, "Syklus – kanal C", "Minutter fra datastart");
@@ -239,7 +236,7 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
     worksheet_freeze_panes(data, 1, 2);
     for (int rad = 2; rad <= SAMLE_SISTE_RAD; ++rad) {
         char f[1000];
-        minuttformel(f, sizeof f, rad, 2);
+        minuttformel(f, sizeof f, rad, 2, NULL);
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
     }
     lxw_chart *d = spredningsdiagram(bok, tittel, "Minutter fra nullpunkt");
