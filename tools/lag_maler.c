@@ -55,6 +55,14 @@ static void minuttformel(char *ut, size_t n, int rad, int forste, const char *st
     snprintf(ut, n, "=IF(A%d=\"\",NA(),%s%s%s)", rad, start ? start : "", start ? "+" : "", d);
 }
 
+/* A sheet of charts, printed on one landscape page. */
+static lxw_worksheet *grafark(lxw_workbook *bok, const char *navn) {
+    lxw_worksheet *ark = workbook_add_worksheet(bok, navn);
+    worksheet_set_landscape(ark);
+    worksheet_fit_to_pages(ark, 1, 1);
+    return ark;
+}
+
 typedef struct {
     lxw_format *overskrift, *tall, *tekst, *minutter, *merke;
 } Stiler;
@@ -151,7 +159,7 @@ static void lagSykluser(const char *mappe) {
     lxw_workbook *bok = ny(sti(mappe, "Mal_Sykluser.xlsx"));
     Stiler s = lagStiler(bok);
     lxw_worksheet *data = workbook_add_worksheet(bok, "Data");
-    lxw_worksheet *grafer = workbook_add_worksheet(bok, "Grafer");
+    lxw_worksheet *grafer = grafark(bok, "Grafer");
 
     worksheet_write_string(data, 0, 0, "Dato og tid", s.overskrift);
     worksheet_write_string(data, 0, 1, "Minutter fra datastart", s.overskrift);
@@ -222,7 +230,7 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
     lxw_workbook *bok = ny(navn);
     Stiler s = lagStiler(bok);
     lxw_worksheet *data = workbook_add_worksheet(bok, "Sykluser");
-    lxw_worksheet *graf = workbook_add_worksheet(bok, "Samlegraf");
+    lxw_worksheet *graf = grafark(bok, "Samlegraf");
 
     worksheet_write_string(data, 0, 0, "Dato og tid (syklus 1)", s.overskrift);
     worksheet_write_string(data, 0, 1, "Minutter fra nullpunkt", s.overskrift);
@@ -253,7 +261,7 @@ static void lagIntegrering(const char *mappe) {
     lxw_workbook *bok = ny(sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"));
     Stiler s = lagStiler(bok);
     lxw_worksheet *data = workbook_add_worksheet(bok, "Integrering");
-    lxw_worksheet *graf = workbook_add_worksheet(bok, "Graf");
+    lxw_worksheet *graf = grafark(bok, "Graf");
     lxw_format *tittel = workbook_add_format(bok);
     format_set_bold(tittel);
     format_set_font_size(tittel, 13);
