@@ -1,6 +1,7 @@
 #include "analysis/Sykluser.h"
 
 #include "files/Tekstfil.h"
+#include "store/Maledata.h"
 
 #include <QFile>
 
@@ -10,13 +11,7 @@ namespace analyse
 namespace
 {
 
-const QString Tidsnokkel = QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS')");
 const QString Feilmelding = QStringLiteral("Det oppstod en feil i denne rutinen");
-
-QString tidsvilkar(const QString& op, const vb::Dato& tid)
-{
-    return Tidsnokkel + QLatin1Char(' ') + op + QStringLiteral(" '") + tid.tidsnokkel() + QLatin1Char('\'');
-}
 
 } // namespace
 
@@ -48,7 +43,7 @@ void sikreVerdiIndeks(db::Database& d, const QString& K)
 QString minimumSetning(const QString& K, const vb::Dato& sokStart)
 {
     return QStringLiteral("Select min(") + K + QStringLiteral(") as Minimum from DataLinjer where ") +
-           tidsvilkar(QStringLiteral(">"), sokStart);
+           store::tidsvilkar(">", sokStart);
 }
 
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
@@ -63,7 +58,7 @@ db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, c
 {
     return d.spor(QStringLiteral("Select DatoTid, ") + K + QStringLiteral(" as Verdi from Datalinjer where ") + K +
                   QStringLiteral(" < ") + terskel + QStringLiteral(" and ") +
-                  tidsvilkar(QStringLiteral(">"), sokStart) + QStringLiteral(" order by ID"));
+                  store::tidsvilkar(">", sokStart) + QStringLiteral(" order by ID"));
 }
 
 bool erGap(const vb::Dato& forrige, const vb::Dato& neste) { return std::abs(vb::sekunderMellom(forrige, neste)) > 10; }
@@ -71,7 +66,7 @@ bool erGap(const vb::Dato& forrige, const vb::Dato& neste) { return std::abs(vb:
 QString snuPunktSetning(const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg, const QString& Kolonne)
 {
     const QString spenn =
-        tidsvilkar(QStringLiteral(">="), FraTid) + QStringLiteral(" and ") + tidsvilkar(QStringLiteral("<"), TilTid);
+        store::tidsvilkar(">=", FraTid) + QStringLiteral(" and ") + store::tidsvilkar("<", TilTid);
     return QStringLiteral("Select DatoTid from Datalinjer where ") + Kolonne +
            (Valg ? QStringLiteral(" = (Select min(") : QStringLiteral(" = (Select max(")) + Kolonne +
            QStringLiteral(") from DataLinjer where ") + spenn + QStringLiteral(") and ") + spenn;

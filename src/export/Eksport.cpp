@@ -1,6 +1,7 @@
 #include "export/Eksport.h"
 
 #include "files/Tekstfil.h"
+#include "store/Maledata.h"
 
 #include <QDir>
 
@@ -53,6 +54,12 @@ vb::Dato dataStart(Kontekst& k)
     auto poster = k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ID = (Select Min(ID) from Datalinjer)"));
     if (poster.eof()) throw vb::Feil("Tabellen er tom");
     return poster.dato("DatoTid");
+}
+
+db::Recordset vinduRader(Kontekst& k, const char* fraOp, const vb::Dato& fra, const vb::Dato& til)
+{
+    return k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ") + store::tidsvilkar(fraOp, fra) +
+                             QStringLiteral(" and ") + store::tidsvilkar("<=", til) + QStringLiteral(" order by ID"));
 }
 
 QString fremdrift(long long rad, int syklus)

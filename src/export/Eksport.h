@@ -54,6 +54,10 @@ QString utFil(const Kontekst& k, const QString& navn);
 // DatoTid of the first measurement row; vb::Feil when the table is empty.
 vb::Dato dataStart(Kontekst& k);
 
+// The rows from fra to til in file order: fraOp ">" leaves the row at fra out, ">=" takes it;
+// the row at til is always taken.
+db::Recordset vinduRader(Kontekst& k, const char* fraOp, const vb::Dato& fra, const vb::Dato& til);
+
 // "# ### ###" count + " (Run " + cycle + ")", the progress text in Label4.
 QString fremdrift(long long rad, int syklus);
 

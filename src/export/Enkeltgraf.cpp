@@ -13,13 +13,6 @@ namespace {
 // The measured values that go to columns C to K of the sheet, in that order.
 constexpr std::array<const char*, 9> Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K"};
 
-QString vinduSporring(const vb::Dato& fra, const vb::Dato& til)
-{
-    return QStringLiteral("Select * from Datalinjer where format(DatoTid, 'YYYYMMDDHHNNSS') > '") + fra.tidsnokkel() +
-           QStringLiteral("' and format(DatoTid, 'YYYYMMDDHHNNSS') <= '") + til.tidsnokkel() +
-           QStringLiteral("' order by ID");
-}
-
 } // namespace
 
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
@@ -76,7 +69,7 @@ Utfall Command3_Click(Kontekst& k)
                 const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.tekst(ui::Boks::Text1)));
                 const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
                 if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
-                auto poster = k.tilkobling.spor(vinduSporring(fra, til));
+                auto poster = vinduRader(k, ">", fra, til);
                 if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start);
             }
         }

@@ -35,14 +35,6 @@ bool harTekst(const xlsx::Verdi& v)
     return !std::holds_alternative<std::monostate>(v) && !(tekst && tekst->isEmpty());
 }
 
-// Rows from a up to b, both included, in file order.
-db::Recordset vindu(Kontekst& k, const vb::Dato& a, const vb::Dato& b)
-{
-    return k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where format(DatoTid, 'YYYYMMDDHHNNSS') >= '") +
-                             a.tidsnokkel() + QStringLiteral("' and format(DatoTid, 'YYYYMMDDHHNNSS') <= '") +
-                             b.tidsnokkel() + QStringLiteral("' order by ID"));
-}
-
 int16_t minutter(Kontekst& k, const QString& sporsmal)
 {
     return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("Minutter"), QStringLiteral("25")));
@@ -136,8 +128,8 @@ Utfall Command12_Click(Kontekst& k)
         for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
             if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
             const vb::Dato snupunkt = liste.syklus(syklus);
-            auto posterFor = vindu(k, snupunkt.leggTilMinutter(-foer), snupunkt);
-            auto posterEtter = vindu(k, snupunkt, snupunkt.leggTilMinutter(etter));
+            auto posterFor = vinduRader(k, ">=", snupunkt.leggTilMinutter(-foer), snupunkt);
+            auto posterEtter = vinduRader(k, ">=", snupunkt, snupunkt.leggTilMinutter(etter));
             if (!posterFor.eof())
                 LagIntegreringsfil(k, prefiks, posterFor, posterEtter, syklus, start,
                                    vb::heltall16(k.vindu.tekst(ui::Boks::Text6)));

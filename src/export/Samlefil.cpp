@@ -11,16 +11,10 @@ namespace {
 
 constexpr int SisteRad = 2000;
 
-QString tidsvilkar(const char* op, const vb::Dato& t)
-{
-    return QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS') ") + QLatin1String(op) + QStringLiteral(" '") +
-           t.tidsnokkel() + QLatin1Char('\'');
-}
-
 // DatoTid of the first row holding the largest value of the column strictly between a and b.
 vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const vb::Dato& b)
 {
-    const QString mellom = tidsvilkar(">", a) + QStringLiteral(" and ") + tidsvilkar("<", b);
+    const QString mellom = store::tidsvilkar(">", a) + QStringLiteral(" and ") + store::tidsvilkar("<", b);
     auto poster = k.tilkobling.spor(QStringLiteral("Select DatoTid from Datalinjer where ") + kolonne +
                                     QStringLiteral(" = (Select max(") + kolonne +
                                     QStringLiteral(") from DataLinjer where ") + mellom + QStringLiteral(") and ") +
@@ -84,9 +78,7 @@ Utfall Command5_Click(Kontekst& k)
                 slutt = null.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
             }
             if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) <= syklus) {
-                auto poster = k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ") + tidsvilkar(">=", null) +
-                                                QStringLiteral(" and ") + tidsvilkar("<=", slutt) +
-                                                QStringLiteral(" order by ID"));
+                auto poster = vinduRader(k, ">=", null, slutt);
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
                     float rad = 2.0f;

@@ -23,6 +23,12 @@ void apneMaledata(db::Database& tilkobling, const QString& fil)
     }
 }
 
+QString tidsvilkar(const char* op, const vb::Dato& tid)
+{
+    return QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS') ") + QLatin1String(op) + QStringLiteral(" '") +
+           tid.tidsnokkel() + QLatin1Char('\'');
+}
+
 QString tittel(long long antall, const QString& versjon)
 {
     return QStringLiteral("Tolvik - ") + vb::antallTekst(antall) + QStringLiteral(" poster i databasen  [Versjon: ") +

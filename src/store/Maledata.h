@@ -15,6 +15,9 @@ void lagTomDatabase(const QString& fil);
 // Opens a measurement database: DbFeil also when the file is a database without DataLinjer.
 void apneMaledata(db::Database& tilkobling, const QString& fil);
 
+// A time condition of the statements: "format(DatoTid, 'YYYYMMDDHHNNSS') " + op + " '" + time key + "'".
+QString tidsvilkar(const char* op, const vb::Dato& tid);
+
 // Counts the rows of DataLinjer and writes the window caption with the count.
 void VisAntallPoster(Kontekst& k);
 // The caption for a row count: "Tolvik - " + count + " poster i databasen  [Versjon: " + versjon + "]".
