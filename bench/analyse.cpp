@@ -108,10 +108,10 @@ int mal(const QString& mappe)
 {
     const QString data = mappe + QStringLiteral("/Data.mdb");
     {
-        // The value indexes are made by the first search; start without them to measure that too.
+        // The time indexes of the columns are made by the first search; start without them to measure that too.
         db::Database d(data);
         for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
-            d.utforSqlite(("DROP INDEX IF EXISTS DataLinjer_Verdi_" + std::string(k)).c_str());
+            d.utforSqlite(("DROP INDEX IF EXISTS DataLinjer_Tid_" + std::string(k)).c_str());
     }
     ui::SkriptDialogs dialogs;
     Form1 f(mappe, dialogs);
@@ -136,7 +136,7 @@ int mal(const QString& mappe)
     std::printf("rader %lld, kolonne %s, %s\n", rader, qPrintable(K), qPrintable(resultat));
     std::printf("full lesing av kolonnen (SELECT %s FROM DataLinjer ORDER BY ID): %.3f s\n", qPrintable(K),
                 (full + full2) / 2);
-    std::printf("syklusfinning, første gang (lager verdiindeksen): %.3f s  (forhold %.2f)\n", forste,
+    std::printf("syklusfinning, første gang (lager tidsindeksen): %.3f s  (forhold %.2f)\n", forste,
                 forste / ((full + full2) / 2));
     std::printf("syklusfinning med indeks: %.3f s  (forhold %.2f)\n", andre, andre / ((full + full2) / 2));
     std::printf("graf, innlasting til vinduet vises: %.3f s\n", lasting);

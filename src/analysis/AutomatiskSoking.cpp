@@ -72,6 +72,7 @@ Utfall sokAutomatisk(Kontekst& k)
     const QString K = filer::HentKode(k.vindu.kolonneTekst());
     // The searched column's own first value sizes the step: the level the signal starts from.
     const float R = store::HentVerdi(K, *start);
+    const auto lager = forberedSok(k.tilkobling, K);
     const std::optional<double> Minimum = minimum(k.tilkobling, K, sokStart);
     if (!Minimum) return Utfall::Avvist;
     const float D = vb::enkel(std::abs(R - *Minimum) / 10.0);

@@ -22,22 +22,20 @@ std::optional<db::Recordset> dataStart(db::Database& d)
     return poster;
 }
 
-void sikreVerdiIndeks(db::Database& d, const QString& K)
+void sikreTidsindeks(db::Database& d, const QString& K)
 {
     static const QStringList Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"};
     if (!Verdikolonner.contains(K)) return;
-    const QByteArray lag =
-        QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Verdi_%1 ON DataLinjer (%1, DatoTid)").arg(K).toLatin1();
-    // Sorting a million values goes several times faster in memory than through the small page cache.
-    const QByteArray vanlig = "PRAGMA cache_size = " + QByteArray::number(d.spor("PRAGMA cache_size").tall(0));
-    d.utforSqlite("PRAGMA cache_size = -100000");
-    try {
-        d.utforSqlite(lag.constData());
-    } catch (...) {
-        d.utforSqlite(vanlig.constData());
-        throw;
-    }
-    d.utforSqlite(vanlig.constData());
+    d.utforSqlite(QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
+                      .arg(K)
+                      .toLatin1()
+                      .constData());
+}
+
+db::StortMellomlager forberedSok(db::Database& d, const QString& K)
+{
+    sikreTidsindeks(d, K);
+    return db::StortMellomlager(d);
 }
 
 QString minimumSetning(const QString& K, const vb::Dato& sokStart)
@@ -48,17 +46,21 @@ QString minimumSetning(const QString& K, const vb::Dato& sokStart)
 
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
 {
-    sikreVerdiIndeks(d, K);
     auto poster = d.spor(minimumSetning(K, sokStart));
     if (poster.eof() || poster.erNull("Minimum")) return std::nullopt;
     return poster.tall("Minimum");
 }
 
+QString treffSetning(const QString& K, const QString& terskel, const vb::Dato& sokStart)
+{
+    return QStringLiteral("Select DatoTid, ") + K + QStringLiteral(" as Verdi from Datalinjer where ") + K +
+           QStringLiteral(" < ") + terskel + QStringLiteral(" and ") + store::tidsvilkar(">", sokStart) +
+           QStringLiteral(" order by ID");
+}
+
 db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart)
 {
-    return d.spor(QStringLiteral("Select DatoTid, ") + K + QStringLiteral(" as Verdi from Datalinjer where ") + K +
-                  QStringLiteral(" < ") + terskel + QStringLiteral(" and ") +
-                  store::tidsvilkar(">", sokStart) + QStringLiteral(" order by ID"));
+    return d.spor(treffSetning(K, terskel, sokStart));
 }
 
 bool erGap(const vb::Dato& forrige, const vb::Dato& neste) { return std::abs(vb::sekunderMellom(forrige, neste)) > 10; }
@@ -112,6 +114,7 @@ Utfall finnSykluser(Kontekst& k)
     const vb::Dato dataStartTid = start->dato("DatoTid");
     const vb::Dato sokStart = dataStartTid.leggTilMinutter(X);
     const QString K = filer::HentKode(k.vindu.kolonneTekst());
+    const auto lager = forberedSok(k.tilkobling, K);
     const std::optional<double> Minimum = minimum(k.tilkobling, K, sokStart);
 
     const QString snuPunkter = k.sti(SnuPunktFil);
@@ -137,8 +140,9 @@ Utfall finnSykluser(Kontekst& k)
     int32_t I = 0;
     const vb::Dato F = poster.dato("DatoTid");
     vb::Dato G = F, P = F;
+    const int tid = poster.kolonne("DatoTid");
     for (; !poster.eof(); poster.moveNext()) {
-        const vb::Dato t = poster.dato("DatoTid");
+        const vb::Dato t = poster.dato(tid);
         if (erGap(P, t)) {
             const vb::Dato E = P;
             if (N == 0) I = vb::heltall32(static_cast<double>(vb::minutterMellom(E, t)));

@@ -18,8 +18,11 @@ Utfall Command7_Click(Kontekst& k);
 
 // The row with the smallest ID; empty for an empty table.
 std::optional<db::Recordset> dataStart(db::Database& d);
+// Makes the column's time index when it is missing (see sikreTidsindeks) and keeps a large page
+// cache while the returned guard lives: a search reads that index once for the Minimum and
+// again for the hit rows and the turning points.
+[[nodiscard]] db::StortMellomlager forberedSok(db::Database& d, const QString& K);
 // The column's smallest value after the search start (null when no row lies after it).
-// Builds the column's value index first (see sikreVerdiIndeks).
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
 // The hit rows: DatoTid and Verdi of the rows after the search start whose value in K lies below
 // the threshold (its statement text), in ID order.
@@ -27,8 +30,9 @@ db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, c
 // True when two consecutive hit rows lie in different groups (more than 10 s apart either way).
 bool erGap(const vb::Dato& forrige, const vb::Dato& neste);
 
-// The statement texts of the Minimum query and of FinnSnuPunkt.
+// The statement texts of the Minimum query, the hit query and FinnSnuPunkt.
 QString minimumSetning(const QString& K, const vb::Dato& sokStart);
+QString treffSetning(const QString& K, const QString& terskel, const vb::Dato& sokStart);
 QString snuPunktSetning(const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg, const QString& Kolonne);
 // The DatoTid of the row from FraTid (inclusive) to TilTid (exclusive) holding the span's smallest
 // (Valg) or largest value of Kolonne; the zero date-time when the span has no row.
@@ -40,8 +44,10 @@ vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& T
 bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
                     int64_t I);
 
-// An index on (K, DatoTid) for a value column of the table, made the first time the column is
-// searched and kept until the next import replaces Data.mdb. Other letters are left alone.
-void sikreVerdiIndeks(db::Database& d, const QString& K);
+// An index on (DatoTid, ID, K) for a value column of the table, made the first time the column
+// is searched and kept until the next import replaces Data.mdb. It holds all that the search
+// reads, so the Minimum, the hit rows and each turning point are read from it alone, in time
+// order, without a look at the much wider table rows. Other letters are left alone.
+void sikreTidsindeks(db::Database& d, const QString& K);
 
 } // namespace analyse

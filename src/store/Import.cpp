@@ -191,6 +191,8 @@ public:
         for (; antall > 0; rader += Bunt, antall -= Bunt) send(rader, std::min(antall, Bunt));
     }
     int64_t lagret() const { return lagret_; }
+    // Whether no stored row has an earlier DatoTid than the row before it.
+    bool tidFolgerId() const { return tidFolgerId_; }
 
 private:
     struct Setning {
@@ -216,6 +218,8 @@ private:
         Setning& s = setning(antall);
         for (int r = 0; r < antall; ++r) {
             const Rad& rad = rader[r];
+            if (lagret_ + r > 0 && std::memcmp(rad.datoTid, forrigeTid_, sizeof forrigeTid_) < 0) tidFolgerId_ = false;
+            std::memcpy(forrigeTid_, rad.datoTid, sizeof forrigeTid_);
             const int p = r * (Verdier + 2) + 1;
             sqlite3_bind_text(s.stmt, p, rad.datoTid, sizeof rad.datoTid, SQLITE_STATIC);
             sqlite3_bind_text(s.stmt, p + 1, rad.datoTekst, rad.datoTekstLengde, SQLITE_STATIC);
@@ -236,6 +240,8 @@ private:
     db::Database& db_;
     std::array<Setning, Bunt + 1> setninger_;
     int64_t lagret_ = 0;
+    char forrigeTid_[sizeof Rad::datoTid] = {};
+    bool tidFolgerId_ = true;
 };
 
 // A stretch of the file as the reader hands it over: the rows of its data lines and,
@@ -456,7 +462,7 @@ public:
                 }
             } catch (const ui::Avbrutt&) {
                 try {
-                    transaksjon.fullfor();
+                    lagre(transaksjon, innsetting);
                 } catch (const db::DbFeil&) {
                     // the program is ending; the store keeps the database as it was before the transaction
                 }
@@ -467,7 +473,7 @@ public:
         }
         k_.vindu.settLabel4(vb::antallTekst(behandlet_));
         try {
-            transaksjon.fullfor();
+            lagre(transaksjon, innsetting);
         } catch (const db::DbFeil& e) {
             return QStringLiteral("Radene fra fila %1 kunne ikke lagres: %2. Databasen er tom.").arg(fil_, tekst(e));
         }
@@ -480,6 +486,13 @@ public:
     std::optional<QString> hoppetOver() const { return tolker_.hoppetOver(); }
 
 private:
+    // Commits the rows, with the store told whether their time follows their order.
+    void lagre(db::Transaksjon& transaksjon, const Innsetting& innsetting)
+    {
+        k_.tilkobling.settTidFolgerId(innsetting.tidFolgerId());
+        transaksjon.fullfor();
+    }
+
     void visFremdrift()
     {
         k_.vindu.settLabel4(vb::antallTekst(behandlet_));

@@ -122,6 +122,24 @@ TEST_F(Import, TellerLinjerMedAlleLinjesluttOgSkiftendeBredde)
     EXPECT_EQ(utenTekst(lagret(u"where format(DatoTid, 'YYYYMMDDHHNNSS') > '20121123141638'"_s)), ventet.mid(999));
 }
 
+// The database keeps whether time follows the rows' order; either way a time-bounded select
+// answers in ID order, rows of the same second included.
+TEST_F(Import, TidSomGarTilbakeMerkesIDatabasen)
+{
+    const struct { QByteArray linjer; bool tidFolgerId; } tilfeller[] = {
+        {"2012/11/23,14:05:31,3,\r\n2012/11/23,14:05:31,1,\r\n2012/11/23,14:05:32,2,\r\n", true},
+        {"2012/11/23,14:05:31,3,\r\n2012/11/23,14:05:30,1,\r\n2012/11/23,14:05:32,2,\r\n", false},
+    };
+    for (const auto& t : tilfeller) {
+        ASSERT_EQ(importer(csv("Date,Time,CO2,\r\n" + t.linjer)), Utfall::Ferdig);
+        EXPECT_EQ(db::Database(mappe.sti(Data)).tidFolgerId(), t.tidFolgerId);
+        QStringList c;
+        for (const QString& rad : lagret(u"where format(DatoTid, 'YYYYMMDDHHNNSS') >= '20121123140000'"_s))
+            c << rad.section('|', 2).section(' ', 0, 0);
+        EXPECT_EQ(c, (QStringList{u"3"_s, u"1"_s, u"2"_s})) << t.tidFolgerId;
+    }
+}
+
 TEST_F(Import, NeiIngenFilOgToFeltsOverskriftEndrerIkkeKolonnelista)
 {
     ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);

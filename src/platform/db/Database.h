@@ -7,6 +7,7 @@
 
 #include <QString>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -49,6 +50,12 @@ public:
     // A statement prepared once in SQLite's own text, for repeated use with bound values.
     sqlite3_stmt* forbered(const char* sql);
 
+    // Whether DatoTid never decreases from one ID to the next in this file. The import states it
+    // for the rows it writes (kept in the file's user_version); the dialect then answers "order by
+    // ID" of a time-bounded statement from the time indexes. A file without it is read plainly.
+    bool tidFolgerId() const { return tidFolgerId_; }
+    void settTidFolgerId(bool folger);
+
     sqlite3* handle() const { return db_; }
 
 private:
@@ -57,6 +64,7 @@ private:
 
     sqlite3* db_ = nullptr;
     QString fil_;
+    bool tidFolgerId_ = false;
 };
 
 // Groups statements into one transaction; rolled back unless committed.
@@ -69,6 +77,20 @@ public:
 private:
     Database& db_;
     bool aktiv_ = true;
+};
+
+// Raises the connection's page cache while it lives, for work that reads the same pages more
+// than once, and sets it back afterwards, which gives the memory back.
+class StortMellomlager {
+public:
+    explicit StortMellomlager(Database& db);
+    ~StortMellomlager();
+    StortMellomlager(const StortMellomlager&) = delete;
+    StortMellomlager& operator=(const StortMellomlager&) = delete;
+
+private:
+    Database& db_;
+    std::string vanlig_;
 };
 
 // Rows of a select statement, read forwards; moveFirst runs the statement again.
@@ -92,6 +114,7 @@ public:
     int kolonne(std::string_view navn) const;
     bool erNull(int kolonne) const;
     double tall(int kolonne) const;
+    vb::Dato dato(int kolonne) const;
 
 private:
     friend class Database;

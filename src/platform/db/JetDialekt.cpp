@@ -32,7 +32,7 @@ QString erstatt(const QString& tekst, const QRegularExpression& monster, F lag)
 
 } // namespace
 
-QString tilSqlite(const QString& setning)
+QString tilSqlite(const QString& setning, bool tidFolgerId)
 {
     static const QRegularExpression tidsnokkel(
         QStringLiteral(R"(format\s*\(\s*DatoTid\s*,\s*'YYYYMMDDHHNNSS'\s*\)\s*(>=|<=|<>|<|>|=)\s*'(\d{14})')"),
@@ -42,8 +42,14 @@ QString tilSqlite(const QString& setning)
                                                 QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression ordnet(QStringLiteral(R"(\border\s+by\b)"),
                                            QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression ekstrem(QStringLiteral(R"(\b(min|max)\s*\(\s*([A-Za-z_]\w*)\s*\))"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression etterId(QStringLiteral(R"(\border\s+by\s+ID\s*$)"),
+                                            QRegularExpression::CaseInsensitiveOption);
 
-    QString ut = erstatt(setning, tidsnokkel, [](const QRegularExpressionMatch& m) {
+    bool tidsbetingelse = false;
+    QString ut = erstatt(setning, tidsnokkel, [&](const QRegularExpressionMatch& m) {
+        tidsbetingelse = true;
         return QStringLiteral("DatoTid %1 '%2'").arg(m.captured(1), isoFraNokkel(m.captured(2)));
     });
     ut = erstatt(ut, datoLiteral, [](const QRegularExpressionMatch& m) {
@@ -53,6 +59,17 @@ QString tilSqlite(const QString& setning)
         return QLatin1Char('\'') + dato->iso() + QLatin1Char('\'');
     });
     if (enkelSelect.match(ut).hasMatch() && !ordnet.match(ut).hasMatch()) ut += QStringLiteral(" order by ID");
+    if (tidsbetingelse) {
+        // SQLite's shortcut for min and max of a column walks the time index and looks up every
+        // row in the table, even where an index holding the column would serve; as an ordinary
+        // aggregate of the same value ("+" changes nothing) it reads the covering index.
+        ut = erstatt(ut, ekstrem, [](const QRegularExpressionMatch& m) {
+            return m.captured(1) + QStringLiteral("(+") + m.captured(2) + QLatin1Char(')');
+        });
+        // Where time never goes back from one ID to the next, ID order is (DatoTid, ID) order,
+        // which the time indexes hold: the rows come out of the index without a sort.
+        if (tidFolgerId) ut.replace(etterId, QStringLiteral("order by DatoTid, ID"));
+    }
     return ut;
 }
 

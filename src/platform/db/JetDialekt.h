@@ -12,6 +12,9 @@ namespace db {
 // comparison of DatoTid with the key written the same way; day-first literals
 // 'DD/MM/YYYY HH:MM:SS' become that form too (DbFeil for an impossible date);
 // a plain select without "order by" gets " order by ID".
-QString tilSqlite(const QString& setning);
+// In a statement with a time-key condition, min and max of a column are written so that an
+// index holding the column can serve them, and with tidFolgerId (DatoTid never decreases
+// from one ID to the next) a closing "order by ID" becomes "order by DatoTid, ID".
+QString tilSqlite(const QString& setning, bool tidFolgerId = false);
 
 } // namespace db
