@@ -13,6 +13,8 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -124,7 +126,11 @@ int mal(const QString& mappe)
     const double full = fullLesing(d, K, rader);
     QString resultat;
     const double forste = syklusfinning(f, dialogs, resultat);
-    const double andre = syklusfinning(f, dialogs, resultat);
+    // Later searches: the middle of three.
+    std::array<double, 3> senere{};
+    for (double& tid : senere) tid = syklusfinning(f, dialogs, resultat);
+    std::sort(senere.begin(), senere.end());
+    const double andre = senere[1];
     const double full2 = fullLesing(d, K, rader);
 
     double lasting = 0;
@@ -138,8 +144,13 @@ int mal(const QString& mappe)
                 (full + full2) / 2);
     std::printf("syklusfinning, første gang (lager tidsindeksen): %.3f s  (forhold %.2f)\n", forste,
                 forste / ((full + full2) / 2));
-    std::printf("syklusfinning med indeks: %.3f s  (forhold %.2f)\n", andre, andre / ((full + full2) / 2));
-    std::printf("graf, innlasting til vinduet vises: %.3f s\n", lasting);
+    std::printf("syklusfinning med indeks: %.3f s (%.3f-%.3f)  (forhold %.2f), krav < 0,5 s\n", andre, senere[0],
+                senere[2], andre / ((full + full2) / 2));
+    std::printf("graf, innlasting til vinduet vises: %.3f s, krav < 1 s\n", lasting);
+    if (andre >= 0.5 || lasting >= 1.0) {
+        std::puts("FOR TREG");
+        return 1;
+    }
     return 0;
 }
 

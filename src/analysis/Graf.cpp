@@ -28,12 +28,11 @@ Utfall Command8_Click(Kontekst& k)
             k.dialogs.info(QStringLiteral("Ingen graf kan vises"));
             return Utfall::Avvist;
         }
-        int32_t n = 0;
-        for (; !poster.eof(); poster.moveNext()) ++n;
+        // n, the number of rows the statement returns, without a first walk through the rows.
+        const int32_t n = vb::heltall32(static_cast<double>(store::antallRader(k.tilkobling)));
         const int32_t s = provesteg(n);
         frm_Graph.settRadAntall(std::min(n, MaksPunkter));
 
-        poster.moveFirst();
         int32_t i = 1, c = 0;
         for (; !poster.eof(); poster.moveNext()) {
             ++c;

@@ -13,15 +13,6 @@ namespace
 
 const QString Feilmelding = QStringLiteral("Det oppstod en feil i denne rutinen");
 
-} // namespace
-
-std::optional<db::Recordset> dataStart(db::Database& d)
-{
-    auto poster = d.spor(QStringLiteral("Select * from datalinjer where (Select min(ID) from datalinjer)"));
-    if (poster.eof()) return std::nullopt;
-    return poster;
-}
-
 void sikreTidsindeks(db::Database& d, const QString& K)
 {
     static const QStringList Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"};
@@ -30,6 +21,15 @@ void sikreTidsindeks(db::Database& d, const QString& K)
                       .arg(K)
                       .toLatin1()
                       .constData());
+}
+
+} // namespace
+
+std::optional<db::Recordset> dataStart(db::Database& d)
+{
+    auto poster = d.spor(QStringLiteral("Select * from datalinjer where (Select min(ID) from datalinjer)"));
+    if (poster.eof()) return std::nullopt;
+    return poster;
 }
 
 db::StortMellomlager forberedSok(db::Database& d, const QString& K)

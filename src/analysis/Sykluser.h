@@ -18,9 +18,12 @@ Utfall Command7_Click(Kontekst& k);
 
 // The row with the smallest ID; empty for an empty table.
 std::optional<db::Recordset> dataStart(db::Database& d);
-// Makes the column's time index when it is missing (see sikreTidsindeks) and keeps a large page
-// cache while the returned guard lives: a search reads that index once for the Minimum and
-// again for the hit rows and the turning points.
+// Makes the column's time index when it is missing and keeps a large page cache while the
+// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made the first
+// time the column is searched and kept until the next import replaces Data.mdb. It holds all
+// that a search reads, so the Minimum, the hit rows and each turning point come from it alone,
+// in time order, without the much wider table rows; the cache keeps it decrypted between them.
+// Other letters get no index.
 [[nodiscard]] db::StortMellomlager forberedSok(db::Database& d, const QString& K);
 // The column's smallest value after the search start (null when no row lies after it).
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
@@ -44,10 +47,5 @@ vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& T
 bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
                     int64_t I);
 
-// An index on (DatoTid, ID, K) for a value column of the table, made the first time the column
-// is searched and kept until the next import replaces Data.mdb. It holds all that the search
-// reads, so the Minimum, the hit rows and each turning point are read from it alone, in time
-// order, without a look at the much wider table rows. Other letters are left alone.
-void sikreTidsindeks(db::Database& d, const QString& K);
 
 } // namespace analyse

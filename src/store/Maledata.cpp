@@ -35,14 +35,17 @@ QString tittel(long long antall, const QString& versjon)
            versjon + QLatin1Char(']');
 }
 
+long long antallRader(db::Database& d)
+{
+    return static_cast<long long>(d.spor(QStringLiteral("Select count(*) as Antall from dataLinjer")).tall("Antall"));
+}
+
 void VisAntallPoster(Kontekst& k)
 {
     long long antall = 0;
     if (k.tilkobling.erApen()) {
         try {
-            // The count of "Select * from dataLinjer"; count(*) reads the smaller time index instead of every row.
-            auto poster = k.tilkobling.spor(QStringLiteral("Select count(*) as Antall from dataLinjer"));
-            antall = static_cast<long long>(poster.tall("Antall"));
+            antall = antallRader(k.tilkobling);  // the count of "Select * from dataLinjer"
         } catch (const db::DbFeil&) {
             antall = 0;  // the start-up message has already said what is wrong with the database
         }

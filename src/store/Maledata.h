@@ -18,6 +18,9 @@ void apneMaledata(db::Database& tilkobling, const QString& fil);
 // A time condition of the statements: "format(DatoTid, 'YYYYMMDDHHNNSS') " + op + " '" + time key + "'".
 QString tidsvilkar(const char* op, const vb::Dato& tid);
 
+// The number of rows in DataLinjer, which every select of the whole table returns; count(*)
+// reads it from the small time index instead of walking every row.
+long long antallRader(db::Database& d);
 // Counts the rows of DataLinjer and writes the window caption with the count.
 void VisAntallPoster(Kontekst& k);
 // The caption for a row count: "Tolvik - " + count + " poster i databasen  [Versjon: " + versjon + "]".

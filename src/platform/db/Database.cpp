@@ -199,12 +199,6 @@ void Recordset::moveNext()
     steg();
 }
 
-void Recordset::moveFirst()
-{
-    sqlite3_reset(stmt_);
-    steg();
-}
-
 int Recordset::kolonne(std::string_view navn) const
 {
     for (size_t i = 0; i < navn_.size(); ++i)

@@ -93,7 +93,7 @@ private:
     std::string vanlig_;
 };
 
-// Rows of a select statement, read forwards; moveFirst runs the statement again.
+// Rows of a select statement, read forwards.
 class Recordset {
 public:
     Recordset(Recordset&&) noexcept;
@@ -102,7 +102,6 @@ public:
 
     bool eof() const { return eof_; }
     void moveNext();
-    void moveFirst();
 
     // Field of the current row by column name (not case-sensitive); DbFeil for an unknown name.
     bool erNull(std::string_view navn) const;
