@@ -10,6 +10,9 @@
 #include <QPixmap>
 #include <QFileInfo>
 #include <cstdio>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
 #include <functional>
 #include <optional>
 
@@ -270,11 +273,25 @@ void brukGlobalt(Form1& f, const Globalt& g)
     if (g.adsorpsjon) f.velgAdsorpsjon(*g.adsorpsjon);
 }
 
+// Outside a desktop session Qt picks a private runtime folder of its own and says so on stderr;
+// naming the same kind of folder beforehand keeps stderr for the program's own errors.
+void sikreKjoremappe()
+{
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
+    const std::filesystem::path mappe =
+        std::filesystem::temp_directory_path() / ("runtime-tolvik-" + std::to_string(getuid()));
+    std::error_code feil;
+    std::filesystem::create_directory(mappe, feil);
+    std::filesystem::permissions(mappe, std::filesystem::perms::owner_all, feil);
+    if (!feil) qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(mappe.string()));
+}
+
 } // namespace
 
 int kjor(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    sikreKjoremappe();
     QApplication app(argc, argv);
     QStringList args = QCoreApplication::arguments();
     args.removeFirst();
