@@ -17,10 +17,14 @@ void sikreTidsindeks(db::Database& d, const QString& K)
 {
     static const QStringList Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"};
     if (!Verdikolonner.contains(K)) return;
-    d.utforSqlite(QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
-                      .arg(K)
-                      .toLatin1()
-                      .constData());
+    try {
+        d.utforSqlite(QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
+                          .arg(K)
+                          .toLatin1()
+                          .constData());
+    } catch (const db::DbFeil&) {
+        // A database that cannot take the index (write-protected, disk full) is searched without it, only slower.
+    }
 }
 
 } // namespace

@@ -52,6 +52,15 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
               u"Den minste verdien er 0,05. Oppgi søkeverdien som skal brukes under:|Minste verdi|5"_s);
     EXPECT_EQ(d[2].ikon, ui::Ikon::Sporsmal);
 
+    // A database that cannot take the index is searched all the same.
+    k.utforSqlite("DROP INDEX DataLinjer_Tid_C; PRAGMA query_only = 1");
+    svar(u"1"_s, u"1"_s, ui::Svar::Nei);
+    EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
+    EXPECT_EQ(mappe.les(SnuPunkter), tilfeller[0].snu);
+    k.utforSqlite("PRAGMA query_only = 0");
+    svar(u"1"_s, u"1"_s, ui::Svar::Nei);
+    EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
+
     // The command built the column's time index, and every statement of the search reads that
     // index alone, in its order, without a sort.
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
