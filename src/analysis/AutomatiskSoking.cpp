@@ -28,8 +28,10 @@ Gjennomlop lop(Kontekst& k, const QString& K, float T, const vb::Dato& sokStart)
 {
     Gjennomlop g{T, {}};
     int16_t N = 1;
-    for (auto poster = treff(k.tilkobling, K, vb::sqlTekst(T), sokStart); !poster.eof(); poster.moveNext()) {
-        const vb::Dato t = poster.dato("DatoTid");
+    auto poster = treff(k.tilkobling, K, vb::sqlTekst(T), sokStart);
+    const int tid = poster.kolonne("DatoTid");
+    for (; !poster.eof(); poster.moveNext()) {
+        const vb::Dato t = poster.dato(tid);
         if (g.grupper.empty()) {
             g.grupper.push_back({t, t});
         } else if (erGap(g.grupper.back().slutt, t)) {
