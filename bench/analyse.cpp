@@ -5,10 +5,12 @@
 //   bench_analyse mal DIR             times cycle finding through the real command against one full
 //                                     scan of the column, and the graph's data loading
 #include "app/Form1.h"
+#include "app/FrmGraph.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "platform/dialogs/SkriptDialogs.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -135,7 +137,7 @@ int mal(const QString& mappe)
 
     double lasting = 0;
     QElapsedTimer t;
-    f.settModalVisning([&](QDialog&) { lasting = sekunder(t); });
+    f.settGrafVisning([&](app::FrmGraph&) { lasting = sekunder(t); });
     t.start();
     f.Command8_Click();
 

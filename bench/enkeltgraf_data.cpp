@@ -6,6 +6,7 @@
 #include "files/Tekstfil.h"
 #include "platform/db/Database.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,5 +1,6 @@
 // Writes the empty measurement database (Template.mdb) for the program folder.
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,8 +1,10 @@
 #include "analysis/AutomatiskSoking.h"
 
 #include "analysis/Sykluser.h"
+#include "files/SnuPunkter.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <cmath>
 #include <vector>
@@ -28,7 +30,7 @@ Gjennomlop lop(Kontekst& k, const QString& K, float T, const vb::Dato& sokStart)
 {
     Gjennomlop g{T, {}};
     int16_t N = 1;
-    auto poster = treff(k.tilkobling, K, vb::sqlTekst(T), sokStart);
+    auto poster = store::treff(k.tilkobling, K, vb::sqlTekst(T), sokStart);
     const int tid = poster.kolonne("DatoTid");
     for (; !poster.eof(); poster.moveNext()) {
         const vb::Dato t = poster.dato(tid);
@@ -60,22 +62,20 @@ const Gjennomlop* velg(const std::vector<Gjennomlop>& lop, int onsket)
 // The search itself; the busy pointer is off again when it returns or fails.
 Utfall sokAutomatisk(Kontekst& k)
 {
-    const float X = vb::enkel(k.dialogs.inndata(QStringLiteral("Start søking etter X minutter"),
-                                                QStringLiteral("Start søking"), QStringLiteral("230")));
-    const int16_t onsket = vb::heltall16(k.dialogs.inndata(QStringLiteral("Antall sykluser som skal brukes"),
-                                                           QStringLiteral("Antall sykluser:"), QStringLiteral("30")));
+    const float X = vb::enkel(k.dialogs.inndata(SporStart, QStringLiteral("230")));
+    const int16_t onsket = vb::heltall16(k.dialogs.inndata(SporAntallSykluser, QStringLiteral("30")));
     k.vindu.behandleHendelser();
     std::optional<ui::Opptatt> opptatt(std::in_place, k.vindu);
 
-    const auto start = dataStart(k.tilkobling);
+    const auto start = store::forsteRad(k.tilkobling);
     if (!start) return Utfall::Avvist;
     const vb::Dato dataStartTid = start->dato("DatoTid");
     const vb::Dato sokStart = dataStartTid.leggTilMinutter(X);
     const QString K = filer::HentKode(k.vindu.kolonneTekst());
     // The searched column's own first value sizes the step: the level the signal starts from.
     const float R = store::HentVerdi(K, *start);
-    const auto lager = forberedSok(k.tilkobling, K);
-    const std::optional<double> Minimum = minimum(k.tilkobling, K, sokStart);
+    const auto lager = store::forberedSok(k.tilkobling, K);
+    const std::optional<double> Minimum = store::minimum(k.tilkobling, K, sokStart);
     if (!Minimum) return Utfall::Avvist;
     const float D = vb::enkel(std::abs(R - *Minimum) / 10.0);
     float T = vb::enkel(*Minimum);
@@ -100,11 +100,11 @@ Utfall sokAutomatisk(Kontekst& k)
     opptatt.reset();
     if (foreslaVerdier(k, N, QStringLiteral("mindre"), vb::tekst(valgt->T), F, M, I)) {
         // One turning point per group, so that the exports find every cycle counted in Text6.
-        QStringList S;
+        std::vector<vb::Dato> S;
         const ui::Opptatt skriver(k.vindu);
         for (const Gruppe& g : grupper)
-            S << FinnSnuPunkt(k.tilkobling, g.start, g.slutt, k.vindu.adsorpsjon(), K).generellTekst();
-        filer::SkrivTilFil(k.sti(SnuPunktFil), S.join(QLatin1Char('!')));
+            S.push_back(store::snuPunkt(k.tilkobling, g.start, g.slutt, k.vindu.adsorpsjon(), K));
+        filer::skrivSnuPunkter(k, S);
     }
     return Utfall::Ferdig;
 }
@@ -119,8 +119,9 @@ Utfall Command11_Click(Kontekst& k)
     }
     try {
         return sokAutomatisk(k);
-    } catch (const std::exception&) {
-        return Utfall::Avvist; // this search ends silently on every failure
+    } catch (const std::exception& e) {
+        k.dialogs.feilGrunn(e); // this search ends without a message on every failure
+        return Utfall::Avvist;
     }
 }
 

@@ -8,6 +8,9 @@
 namespace analyse
 {
 
+inline const ui::Sporsmal SporAntallSykluser{ui::Sporsmal::Art::Inndata, QStringLiteral("Antall sykluser som skal brukes"),
+                                             QStringLiteral("Antall sykluser:")};
+
 // Button "Automatisk søking" (hidden in the window).
 Utfall Command11_Click(Kontekst& k);
 

@@ -1,9 +1,9 @@
 #include "analysis/Graf.h"
 
-#include "analysis/FrmGraph.h"
 #include "analysis/Sykluser.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 namespace analyse
 {
@@ -21,9 +21,9 @@ Utfall Command8_Click(Kontekst& k)
     }
     const ui::Opptatt opptatt(k.vindu);
     const QString K = filer::HentKode(k.vindu.kolonneTekst());
-    FrmGraph frm_Graph;
+    ui::Graf graf{k.vindu.kolonneTekst().simplified(), 0, {}};
     try {
-        auto poster = k.tilkobling.spor(QStringLiteral("Select ") + K + QStringLiteral(" from DataLinjer order by ID"));
+        auto poster = store::kolonne(k.tilkobling, K);
         if (poster.eof()) {
             k.dialogs.info(QStringLiteral("Ingen graf kan vises"));
             return Utfall::Avvist;
@@ -31,16 +31,16 @@ Utfall Command8_Click(Kontekst& k)
         // n, the number of rows the statement returns, without a first walk through the rows.
         const int32_t n = vb::heltall32(static_cast<double>(store::antallRader(k.tilkobling)));
         const int32_t s = provesteg(n);
-        frm_Graph.settRadAntall(std::min(n, MaksPunkter));
+        graf.rader = std::min(n, MaksPunkter);
+        graf.verdier.reserve(static_cast<size_t>(graf.rader));
 
-        int32_t i = 1, c = 0;
+        int32_t c = 0;
         for (; !poster.eof(); poster.moveNext()) {
             ++c;
-            if (c >= s && i <= MaksPunkter) {
+            if (c >= s && graf.verdier.size() < static_cast<size_t>(MaksPunkter)) {
                 const float verdi = store::HentVerdi(K, poster);
-                frm_Graph.settVerdi(i, verdi);
+                graf.verdier.push_back(verdi);
                 if (verdi > 1) k.dialogs.melding(vb::tekst(verdi));
-                ++i;
                 c = 0;
             }
         }
@@ -49,8 +49,7 @@ Utfall Command8_Click(Kontekst& k)
         k.dialogs.info(QStringLiteral("Ingen graf kan vises: ") + QString::fromUtf8(e.what()));
         return Utfall::Avvist;
     }
-    frm_Graph.tegn(k.vindu.kolonneTekst().simplified());
-    k.vindu.visModalt(frm_Graph);
+    k.vindu.visGraf(graf);
     return Utfall::Ferdig;
 }
 

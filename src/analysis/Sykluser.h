@@ -5,47 +5,32 @@
 
 #include "platform/Kontekst.h"
 
-#include <optional>
-
 namespace analyse
 {
 
-inline const QString SnuPunktFil = QStringLiteral("SnuPunkter.txt");
 inline const QString IngenData = QStringLiteral("Ingen data importert");
+
+// The questions of the cycle searches.
+inline const ui::Sporsmal SporStart{ui::Sporsmal::Art::Inndata, QStringLiteral("Start søking etter X minutter"),
+                                    QStringLiteral("Start søking")};
+inline const ui::Sporsmal SporTerskel{
+    ui::Sporsmal::Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi søkeverdien som skal brukes under:"),
+    QStringLiteral("Minste verdi")};
+inline const ui::Sporsmal SporForslag{
+    ui::Sporsmal::Art::JaNei,
+    QStringLiteral("Det ble funnet %1 sykluser. Den første syklusen med en verdi %2 enn %3 er ved tidspunktet %4 "
+                   "(%5 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. %6 minutter. "
+                   "Vil du sette inn disse verdiene som valg i oppsettet?")};
 
 // Button "4.  Finn antall sykluser".
 Utfall Command7_Click(Kontekst& k);
 
-// The row with the smallest ID; empty for an empty table.
-std::optional<db::Recordset> dataStart(db::Database& d);
-// Makes the column's time index when it is missing and keeps a large page cache while the
-// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made the first
-// time the column is searched and kept until the next import replaces Data.mdb. It holds all
-// that a search reads, so the Minimum, the hit rows and each turning point come from it alone,
-// in time order, without the much wider table rows; the cache keeps it decrypted between them.
-// Other letters get no index.
-[[nodiscard]] db::StortMellomlager forberedSok(db::Database& d, const QString& K);
-// The column's smallest value after the search start (null when no row lies after it).
-std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
-// The hit rows: DatoTid and Verdi of the rows after the search start whose value in K lies below
-// the threshold (its statement text), in ID order.
-db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart);
 // True when two consecutive hit rows lie in different groups (more than 10 s apart either way).
 bool erGap(const vb::Dato& forrige, const vb::Dato& neste);
-
-// The statement texts of the Minimum query, the hit query and FinnSnuPunkt.
-QString minimumSetning(const QString& K, const vb::Dato& sokStart);
-QString treffSetning(const QString& K, const QString& terskel, const vb::Dato& sokStart);
-QString snuPunktSetning(const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg, const QString& Kolonne);
-// The DatoTid of the row from FraTid (inclusive) to TilTid (exclusive) holding the span's smallest
-// (Valg) or largest value of Kolonne; the zero date-time when the span has no row.
-vb::Dato FinnSnuPunkt(db::Database& d, const vb::Dato& FraTid, const vb::Dato& TilTid, bool Valg,
-                      const QString& Kolonne);
 
 // Asks "Det ble funnet N sykluser. …" and on Yes writes N into Text6, M − 15 into Text3 and
 // I into Text5; true on Yes.
 bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
                     int64_t I);
-
 
 } // namespace analyse

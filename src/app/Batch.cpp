@@ -1,7 +1,14 @@
 #include "app/Batch.h"
 
-#include "analysis/FrmGraph.h"
+#include "analysis/AutomatiskSoking.h"
+#include "analysis/Sykluser.h"
 #include "app/Form1.h"
+#include "app/FrmGraph.h"
+#include "export/Eksport.h"
+#include "export/Graftittel.h"
+#include "export/Integrering.h"
+#include "export/Samlefil.h"
+#include "store/Import.h"
 #include "files/Tekstfil.h"
 #include "platform/dialogs/SkriptDialogs.h"
 
@@ -67,8 +74,8 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
 {
     a.ferdig();
     QString ut = f.tittel() + QLatin1Char('\n');
-    static const char* const Navn[] = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
-    for (int i = 0; i < 6; ++i) ut += QLatin1String(Navn[i]) + QLatin1Char('=') + f.tekst(ui::AlleBokser[i]) + '\n';
+    for (const ui::Innstilling& i : ui::Innstillinger)
+        ut += QLatin1String(i.navn) + QLatin1Char('=') + f.tekst(i.boks) + QLatin1Char('\n');
     const QStringList kolonner = f.kolonner();
     for (int i = 0; i < kolonner.size(); ++i)
         ut += (i == f.valgtKolonne() ? QStringLiteral("* ") : QStringLiteral("  ")) + kolonner[i] + QLatin1Char('\n');
@@ -85,23 +92,24 @@ SkriptDialogs::Svaret ellerForslag(const std::optional<QString>& v)
 }
 
 // Answers the search-start question, the command's own second question and the final one.
-Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, Utfall (Form1::*kommando)())
+Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, const ui::Sporsmal& andre,
+           Utfall (Form1::*kommando)())
 {
-    d.svar(a.paakrevd(QStringLiteral("--start")));
-    d.svar(ellerForslag(a.verdi(andreValg)));
-    d.svar(a.flagg(QStringLiteral("--apply")) ? ui::Svar::Ja : ui::Svar::Nei);
+    d.svar(analyse::SporStart, a.paakrevd(QStringLiteral("--start")));
+    d.svar(andre, ellerForslag(a.verdi(andreValg)));
+    d.svar(analyse::SporForslag, a.flagg(QStringLiteral("--apply")) ? ui::Svar::Ja : ui::Svar::Nei);
     a.ferdig();
     return (f.*kommando)();
 }
 
 Utfall finnSykluser(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--threshold"), &Form1::Command7_Click);
+    return sok(f, a, d, QStringLiteral("--threshold"), analyse::SporTerskel, &Form1::Command7_Click);
 }
 
 Utfall automatiskSoking(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--cycles"), &Form1::Command11_Click);
+    return sok(f, a, d, QStringLiteral("--cycles"), analyse::SporAntallSykluser, &Form1::Command11_Click);
 }
 
 Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
@@ -109,9 +117,8 @@ Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
     const std::optional<QString> png = a.verdi(QStringLiteral("--png"));
     a.ferdig();
     bool lagret = true;
-    f.settModalVisning([&](QDialog& vindu) {
-        if (const auto* g = qobject_cast<const analyse::FrmGraph*>(&vindu))
-            skriv(QStringLiteral("Punkter i grafen: %1\n").arg(g->punkter()));
+    f.settGrafVisning([&](app::FrmGraph& vindu) {
+        skriv(QStringLiteral("Punkter i grafen: %1\n").arg(vindu.graf().verdier.size()));
         if (!png) return;
         vindu.show();
         QCoreApplication::processEvents();
@@ -124,25 +131,25 @@ Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
 }
 
 // Yes to the export question, then the prefix; or No with --no. Takes the last arguments.
-bool svarEksport(Argumenter& a, SkriptDialogs& d)
+bool svarEksport(Argumenter& a, SkriptDialogs& d, const ui::Sporsmal& sporsmal)
 {
     const bool nei = a.flagg(QStringLiteral("--no"));
     const auto prefiks = a.verdi(QStringLiteral("--prefix"));
     a.ferdig();
     if (nei) {
-        d.svar(ui::Svar::Nei);
+        d.svar(sporsmal, ui::Svar::Nei);
         return false;
     }
     if (!prefiks) throw BrukFeil{QStringLiteral("--prefix må oppgis")};
-    d.svar(ui::Svar::Ja);
-    d.svar(*prefiks);
+    d.svar(sporsmal, ui::Svar::Ja);
+    d.svar(eksport::SporPrefiks, *prefiks);
     return true;
 }
 
 Utfall exportCombined(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
     const auto periode = a.verdi(QStringLiteral("--period"));
-    if (svarEksport(a, d) && !f.adsorpsjon()) d.svar(ellerForslag(periode));
+    if (svarEksport(a, d, eksport::SporSamlefil)) d.svar(eksport::SporPeriode, ellerForslag(periode));
     return f.Command5_Click();
 }
 
@@ -150,16 +157,16 @@ Utfall integrate(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
     const auto foer = a.verdi(QStringLiteral("--before"));
     const auto etter = a.verdi(QStringLiteral("--after"));
-    if (svarEksport(a, d)) {
-        d.svar(ellerForslag(foer));
-        d.svar(ellerForslag(etter));
+    if (svarEksport(a, d, eksport::SporEnkeltfiler)) {
+        d.svar(eksport::SporMinutterFor, ellerForslag(foer));
+        d.svar(eksport::SporMinutterEtter, ellerForslag(etter));
     }
     return f.Command12_Click();
 }
 
 Utfall eksportEnkelt(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    svarEksport(a, d);
+    svarEksport(a, d, eksport::SporEnkeltfiler);
     return f.Command3_Click();
 }
 
@@ -168,7 +175,7 @@ Utfall redigerTittel(Form1& f, Argumenter& a, SkriptDialogs& d)
     const bool enkelt = a.flagg(QStringLiteral("--single"));
     const bool samle = a.flagg(QStringLiteral("--combined"));
     if (enkelt == samle) throw BrukFeil{QStringLiteral("Oppgi enten --single eller --combined")};
-    d.svar(a.paakrevd(QStringLiteral("--title")));
+    d.svar(eksport::SporTittel, a.paakrevd(QStringLiteral("--title")));
     a.ferdig();
     return enkelt ? f.Command9_Click() : f.Command4_Click();
 }
@@ -182,9 +189,9 @@ Utfall provMal(Form1& f, Argumenter& a, SkriptDialogs&)
 Utfall import(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
     const bool nei = a.flagg(QStringLiteral("--no"));
-    d.svar(QFileInfo(a.posisjon(QStringLiteral("FILE"))).absoluteFilePath());
+    d.svar(store::SporFil, QFileInfo(a.posisjon(QStringLiteral("FILE"))).absoluteFilePath());
     a.ferdig();
-    d.svar(nei ? ui::Svar::Nei : ui::Svar::Ja);
+    d.svar(store::SporImport, nei ? ui::Svar::Nei : ui::Svar::Ja);
     return f.Command2_Click();
 }
 
@@ -211,7 +218,7 @@ const char* const Bruk =
 
 struct Globalt {
     QString mappe;
-    QList<std::pair<QString, QString>> sett;
+    QList<std::pair<ui::Boks, QString>> sett;
     std::optional<QString> kolonne;
     std::optional<bool> adsorpsjon;
     bool lagre = false;
@@ -235,10 +242,11 @@ Globalt lesGlobalt(const QStringList& args)
         } else if (a == QLatin1String("--set")) {
             const QString v = neste(a);
             const qsizetype lik = v.indexOf(QLatin1Char('='));
-            static const QStringList Bokser = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
-            if (lik < 0 || !Bokser.contains(v.left(lik)))
+            const auto boks = std::find_if(std::begin(ui::Innstillinger), std::end(ui::Innstillinger),
+                                           [&](const ui::Innstilling& i) { return v.left(lik) == QLatin1String(i.navn); });
+            if (lik < 0 || boks == std::end(ui::Innstillinger))
                 throw BrukFeil{QStringLiteral("--set venter TextN=VERDI med N 1 til 6, ikke ") + v};
-            g.sett.append({v.left(lik), v.mid(lik + 1)});
+            g.sett.append({boks->boks, v.mid(lik + 1)});
         } else if (a == QLatin1String("--column")) {
             g.kolonne = neste(a);
         } else if (a == QLatin1String("--adsorption") || a == QLatin1String("--desorption")) {
@@ -260,8 +268,7 @@ Globalt lesGlobalt(const QStringList& args)
 
 void brukGlobalt(Form1& f, const Globalt& g)
 {
-    static const QStringList Bokser = {"Text4", "Text6", "Text5", "Text3", "Text1", "Text2"};
-    for (const auto& [boks, verdi] : g.sett) f.settTekst(ui::AlleBokser[Bokser.indexOf(boks)], verdi);
+    for (const auto& [boks, verdi] : g.sett) f.settTekst(boks, verdi);
     if (g.kolonne) {
         const QStringList kolonner = f.kolonner();
         qsizetype funnet = -1;
@@ -301,6 +308,7 @@ int kjor(int argc, char** argv)
         skriv(tekst + QStringLiteral("\n\n"));
         std::fflush(stdout);
     };
+    dialogs.vedGrunn = [](const QString& grunn) { std::fprintf(stderr, "%s\n", grunn.toUtf8().constData()); };
     try {
         const Globalt g = lesGlobalt(args);
         const auto& alle = kommandoer();

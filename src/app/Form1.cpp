@@ -3,6 +3,7 @@
 #include "analysis/AutomatiskSoking.h"
 #include "analysis/Graf.h"
 #include "analysis/Sykluser.h"
+#include "app/FrmGraph.h"
 #include "export/Integrering.h"
 #include "export/Samlefil.h"
 #include "export/Enkeltgraf.h"
@@ -12,6 +13,7 @@
 #include "files/Tekstfil.h"
 #include "store/Import.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -63,7 +65,7 @@ QLabel* etikett(QWidget* eier, const char* navn, const QString& tekst, int venst
     return plasser(new QLabel(tekst, eier), navn, venstre, topp, bredde, 255);
 }
 
-QLineEdit* innstilling(QWidget* eier, const char* navn, const QString& tekst, int venstre, int topp, int bredde)
+QLineEdit* settingBoks(QWidget* eier, const char* navn, const QString& tekst, int venstre, int topp, int bredde)
 {
     auto* t = plasser(new QLineEdit(tekst, eier), navn, venstre, topp, bredde, 285);
     t->setAlignment(Qt::AlignCenter);
@@ -123,18 +125,18 @@ void Form1::byggKontroller()
     Command12->hide();
 
     // Settings and progress.
-    etikett(Frame1, "Label6", QStringLiteral("Sykluser (1 - max)"), 240, 360, 4500);
-    Text4 = innstilling(Frame1, "Text4", QStringLiteral("1"), 5040, 270, 375);
-    Text6 = innstilling(Frame1, "Text6", QStringLiteral("30"), 5760, 270, 375);
-    etikett(Frame1, "Label7", QStringLiteral("Tid mellom min. punkt"), 240, 720, 4500);
-    Text5 = innstilling(Frame1, "Text5", QStringLiteral("200"), 5040, 720, 1095);
-    Text5->setEnabled(false);
-    etikett(Frame1, "Label5", QStringLiteral("Start første run (minutter)"), 240, 1080, 4500);
-    Text3 = innstilling(Frame1, "Text3", QStringLiteral("230"), 5040, 1080, 1095);
-    etikett(Frame1, "Label1", QStringLiteral("Antall minutter før min. punkt"), 240, 1440, 4500);
-    Text1 = innstilling(Frame1, "Text1", QStringLiteral("10"), 5040, 1440, 1095);
-    etikett(Frame1, "Label2", QStringLiteral("Antall minutter etter min. punkt"), 240, 1800, 4500);
-    Text2 = innstilling(Frame1, "Text2", QStringLiteral("120"), 5040, 1800, 1095);
+    // The setting boxes in the order of Oppsett.txt, each with its label (Text6 shares Text4's).
+    const struct { const char* etikett; int etikettTopp, topp, venstre, bredde; } plass[] = {
+        {"Label6", 360, 270, 5040, 375},   {nullptr, 0, 270, 5760, 375},      {"Label7", 720, 720, 5040, 1095},
+        {"Label5", 1080, 1080, 5040, 1095}, {"Label1", 1440, 1440, 5040, 1095}, {"Label2", 1800, 1800, 5040, 1095}};
+    for (size_t i = 0; i < bokser_.size(); ++i) {
+        const ui::Innstilling& innstilling = ui::Innstillinger[i];
+        const auto& p = plass[i];
+        if (p.etikett) etikett(Frame1, p.etikett, QString::fromUtf8(innstilling.etikett), 240, p.etikettTopp, 4500);
+        bokser_[static_cast<size_t>(innstilling.boks)] =
+            settingBoks(Frame1, innstilling.navn, QLatin1String(innstilling.standard), p.venstre, p.topp, p.bredde);
+    }
+    boks(ui::Boks::Text5)->setEnabled(false);
     for (int i = 0; i < 6; ++i) {
         auto* linje = new QFrame(Frame1);
         linje->setFrameShape(QFrame::HLine);
@@ -192,7 +194,7 @@ void Form1::Form_Load()
     store::VisAntallPoster(k_);
     filer::LesOppsett(k_);
     Option2->setChecked(true);
-    Text1->setEnabled(false);
+    boks(ui::Boks::Text1)->setEnabled(false);
 }
 
 // Opens Data.mdb. A missing one is made anew from Template.mdb; one that cannot be opened
@@ -228,12 +230,12 @@ void Form1::Combo1_Click()
 
 void Form1::Option1_Click()
 {
-    if (Option1->isChecked()) Text1->setEnabled(true);
+    if (Option1->isChecked()) boks(ui::Boks::Text1)->setEnabled(true);
 }
 
 void Form1::Option2_Click()
 {
-    if (Option2->isChecked()) Text1->setEnabled(false);
+    if (Option2->isChecked()) boks(ui::Boks::Text1)->setEnabled(false);
 }
 
 bool Form1::lagreOppsett()
@@ -302,18 +304,7 @@ void Form1::closeEvent(QCloseEvent* e)
     e->accept();
 }
 
-QLineEdit* Form1::boks(ui::Boks b) const
-{
-    switch (b) {
-    case ui::Boks::Text4: return Text4;
-    case ui::Boks::Text6: return Text6;
-    case ui::Boks::Text5: return Text5;
-    case ui::Boks::Text3: return Text3;
-    case ui::Boks::Text1: return Text1;
-    case ui::Boks::Text2: return Text2;
-    }
-    return Text4;
-}
+QLineEdit* Form1::boks(ui::Boks b) const { return bokser_[static_cast<size_t>(b)]; }
 
 QString Form1::tekst(ui::Boks b) const { return boks(b)->text(); }
 void Form1::settTekst(ui::Boks b, const QString& tekst) { boks(b)->setText(tekst); }
@@ -351,15 +342,16 @@ void Form1::settOpptatt(bool opptatt)
     }
 }
 
-void Form1::visModalt(QDialog& vindu)
+void Form1::visGraf(const ui::Graf& graf)
 {
-    if (modalVisning_) {
-        modalVisning_(vindu);
+    app::FrmGraph frm_Graph(graf);
+    if (grafVisning_) {
+        grafVisning_(frm_Graph);
     } else {
-        vindu.setParent(this, vindu.windowFlags());
-        // The busy pointer stays over the main window only; the modal window is for the user to handle.
+        frm_Graph.setParent(this, frm_Graph.windowFlags());
+        // The busy pointer stays over the main window only; the graph window is for the user to handle.
         if (opptatt_ > 0) QApplication::setOverrideCursor(Qt::ArrowCursor);
-        vindu.exec();
+        frm_Graph.exec();
         if (opptatt_ > 0) QApplication::restoreOverrideCursor();
     }
 }

@@ -6,8 +6,12 @@
 #include "platform/Kontekst.h"
 
 #include <QWidget>
+#include <array>
 #include <functional>
 
+namespace app {
+class FrmGraph;
+}
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -42,9 +46,9 @@ public:
     // Selects Option1 "Adsorpsjon" (true) or Option2 "Desorpsjon".
     void velgAdsorpsjon(bool adsorpsjon);
     Kontekst& kontekst() { return k_; }
-    // Hands the windows that commands show modally to vis instead of waiting for the user to
-    // close them (tolvik-batch and tests); empty restores waiting.
-    void settModalVisning(std::function<void(QDialog&)> vis) { modalVisning_ = std::move(vis); }
+    // Hands the graph window to vis instead of waiting for the user to close it (tolvik-batch
+    // and tests); empty restores waiting.
+    void settGrafVisning(std::function<void(app::FrmGraph&)> vis) { grafVisning_ = std::move(vis); }
 
     // ui::Vindu
     QString tekst(ui::Boks boks) const override;
@@ -59,7 +63,7 @@ public:
     void settTittel(const QString& tekst) override;
     void settOpptatt(bool opptatt) override;
     void behandleHendelser() override;
-    void visModalt(QDialog& vindu) override;
+    void visGraf(const ui::Graf& graf) override;
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -81,12 +85,11 @@ private:
     bool kjorer_ = false;
     bool avslutter_ = false;
     int opptatt_ = 0;
-    std::function<void(QDialog&)> modalVisning_;
+    std::function<void(app::FrmGraph&)> grafVisning_;
 
     QComboBox* Combo1 = nullptr;
     QRadioButton* Option1 = nullptr;
     QRadioButton* Option2 = nullptr;
-    QLineEdit *Text1 = nullptr, *Text2 = nullptr, *Text3 = nullptr, *Text4 = nullptr, *Text5 = nullptr,
-              *Text6 = nullptr;
+    std::array<QLineEdit*, 6> bokser_{};  // Text4 … Text2, by ui::Boks
     QLabel* Label4 = nullptr;
 };

@@ -1,27 +1,19 @@
 #include "export/Eksport.h"
 
 #include "files/Tekstfil.h"
-#include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QDir>
 
 namespace eksport {
 
-vb::Dato SnuPunkter::syklus(int k) const
+Forberedt forberedEksport(Kontekst& k, const ui::Sporsmal& sporsmal)
 {
-    if (k < 1 || k > tekster_.size())
-        throw vb::Feil(QStringLiteral("Syklus %1 har ikke noe snupunkt").arg(k).toStdString());
-    return vb::Dato::fraGenerellTekst(tekster_[k - 1]);
-}
-
-Forberedt forberedEksport(Kontekst& k, const QString& sporsmal)
-{
-    const QString snupunkter = k.sti(SnuPunktFil);
-    if (!filer::FilFinnes(snupunkter)) {
+    std::optional<filer::SnuPunkter> liste = filer::SnuPunkter::les(k);
+    if (!liste) {
         k.dialogs.info(QStringLiteral("Du må først finne antall sykluser"));
         return {std::nullopt, Utfall::Avvist};
     }
-    SnuPunkter liste(filer::HentFraFil(snupunkter).split(QLatin1Char('!')));
     if (k.vindu.kolonner().isEmpty()) {
         k.dialogs.info(QStringLiteral("Ingen data importert"));
         return {std::nullopt, Utfall::Avvist};
@@ -29,15 +21,14 @@ Forberedt forberedEksport(Kontekst& k, const QString& sporsmal)
     const QString ut = k.sti(UtMappe);
     if (!filer::MappeFinnes(ut) && !QDir().mkdir(ut))
         throw vb::Feil(QStringLiteral("Kan ikke lage mappen %1").arg(ut).toStdString());
-    const double antall = vb::tall(k.vindu.tekst(ui::Boks::Text6)) - vb::tall(k.vindu.tekst(ui::Boks::Text4)) + 1;
-    if (!k.dialogs.sporJaNei(sporsmal + vb::tekst(antall) + QStringLiteral(" run?"))) return {};
+    const double antall = vb::tall(k.vindu.sisteSyklus()) - vb::tall(k.vindu.forsteSyklus()) + 1;
+    if (!k.dialogs.sporJaNei(sporsmal.tekst.arg(vb::tekst(antall)))) return {};
     return {std::move(liste), Utfall::Ferdig};
 }
 
 QString sporPrefiks(Kontekst& k)
 {
-    return k.dialogs.inndata(QStringLiteral("Angi filnavn"), QStringLiteral("Filnavn"),
-                             vb::dagensDatoTekst() + QLatin1Char('_'));
+    return k.dialogs.inndata(SporPrefiks, vb::dagensDatoTekst() + QLatin1Char('_'));
 }
 
 QString utFil(const Kontekst& k, const QString& navn)
@@ -51,15 +42,16 @@ QString utFil(const Kontekst& k, const QString& navn)
 
 vb::Dato dataStart(Kontekst& k)
 {
-    auto poster = k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ID = (Select Min(ID) from Datalinjer)"));
-    if (poster.eof()) throw vb::Feil("Tabellen er tom");
-    return poster.dato("DatoTid");
+    const std::optional<vb::Dato> start = store::forsteTid(k.tilkobling);
+    if (!start) throw vb::Feil("Tabellen er tom");
+    return *start;
 }
 
-db::Recordset vinduRader(Kontekst& k, const char* fraOp, const vb::Dato& fra, const vb::Dato& til)
+Utfall eksportFeil(Kontekst& k, const std::exception& e)
 {
-    return k.tilkobling.spor(QStringLiteral("Select * from Datalinjer where ") + store::tidsvilkar(fraOp, fra) +
-                             QStringLiteral(" and ") + store::tidsvilkar("<=", til) + QStringLiteral(" order by ID"));
+    k.dialogs.info(FeilMelding);
+    k.dialogs.feilGrunn(e);
+    return Utfall::Avvist;
 }
 
 QString fremdrift(long long rad, int syklus)

@@ -3,6 +3,7 @@
 // time and the progress text.
 #pragma once
 
+#include "files/SnuPunkter.h"
 #include "platform/Kontekst.h"
 
 #include <QElapsedTimer>
@@ -11,7 +12,6 @@
 
 namespace eksport {
 
-inline const QString SnuPunktFil = QStringLiteral("SnuPunkter.txt");
 inline const QString UtMappe = QStringLiteral("Data_Bearbeidet");
 inline const QString MalSykluser = QStringLiteral("Mal_Sykluser.xlsx");
 inline const QString MalAdsorpsjon = QStringLiteral("Mal_Alle_Adsorpsjon.xlsm");
@@ -19,26 +19,19 @@ inline const QString MalDesorpsjon = QStringLiteral("Mal_Alle_Desorpsjon.xlsm");
 inline const QString FeilMelding =
     QStringLiteral("Det har oppstått en feil. Sjekk at du har oppgitt gyldige intervaller og tidspunkt.");
 
-// The turning points of the last cycle search, cycle k at index k-1.
-class SnuPunkter {
-public:
-    explicit SnuPunkter(QStringList tekster) : tekster_(std::move(tekster)) {}
-    // Turning point of cycle k (from 1); vb::Feil when there is none or it is no date-time.
-    vb::Dato syklus(int k) const;
-
-private:
-    QStringList tekster_;
-};
+// The questions the exports share: how many cycles to write, and the file-name prefix.
+inline const ui::Sporsmal SporEnkeltfiler{ui::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage excel-filer for %1 run?")};
+inline const ui::Sporsmal SporPrefiks{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi filnavn"), QStringLiteral("Filnavn")};
 
 // The guards every export runs first: the turning-point file must exist ("Du må først finne
 // antall sykluser"), the chooser must hold entries ("Ingen data importert"); then the output
-// folder is created when missing and the question sporsmal + (Text6 − Text4 + 1) + " run?" is asked.
+// folder is created when missing and the question (its %1 the count Text6 − Text4 + 1) is asked.
 // Returns the turning points, or nothing after a refusal (Avvist) or the answer No (Ferdig).
 struct Forberedt {
-    std::optional<SnuPunkter> snupunkter;
+    std::optional<filer::SnuPunkter> snupunkter;
     Utfall utfall = Utfall::Ferdig;
 };
-Forberedt forberedEksport(Kontekst& k, const QString& sporsmal);
+Forberedt forberedEksport(Kontekst& k, const ui::Sporsmal& sporsmal);
 
 
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
@@ -54,9 +47,8 @@ QString utFil(const Kontekst& k, const QString& navn);
 // DatoTid of the first measurement row; vb::Feil when the table is empty.
 vb::Dato dataStart(Kontekst& k);
 
-// The rows from fra to til in file order: fraOp ">" leaves the row at fra out, ">=" takes it;
-// the row at til is always taken.
-db::Recordset vinduRader(Kontekst& k, const char* fraOp, const vb::Dato& fra, const vb::Dato& til);
+// The export's one error message, with the cause kept for diagnosis.
+Utfall eksportFeil(Kontekst& k, const std::exception& e);
 
 // "# ### ###" count + " (Run " + cycle + ")", the progress text in Label4.
 QString fremdrift(long long rad, int syklus);

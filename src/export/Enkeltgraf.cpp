@@ -3,6 +3,7 @@
 #include "export/Eksport.h"
 #include "files/Tekstfil.h"
 #include "platform/xlsx/Arbeidsbok.h"
+#include "store/Setninger.h"
 
 #include <array>
 
@@ -54,30 +55,29 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
 Utfall Command3_Click(Kontekst& k)
 {
     try {
-        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage excel-filer for "));
+        const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
-        const SnuPunkter& snupunkter = *snu;
+        const filer::SnuPunkter& snupunkter = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
         {
             ui::Opptatt opptatt(k.vindu);
             const vb::Dato start = dataStart(k);
             k.vindu.behandleHendelser();
-            const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+            const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
             for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
                 const vb::Dato snupunkt = snupunkter.syklus(syklus);
-                const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.tekst(ui::Boks::Text1)));
-                const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
-                if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
-                auto poster = vinduRader(k, ">", fra, til);
+                const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.minutterFor()));
+                const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
+                if (vb::tall(k.vindu.forsteSyklus()) > syklus) continue;
+                auto poster = store::vinduRader(k.tilkobling, false, fra, til);
                 if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start);
             }
         }
         k.dialogs.info(QStringLiteral("Eksporten er ferdig!"));
         return Utfall::Ferdig;
-    } catch (const std::exception&) {
-        k.dialogs.info(FeilMelding);
-        return Utfall::Avvist;
+    } catch (const std::exception& e) {
+        return eksportFeil(k, e);
     }
 }
 

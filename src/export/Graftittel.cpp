@@ -27,8 +27,9 @@ Utfall redigerMal(Kontekst& k, const QString& navn, const std::function<void(xls
         endre(*bok);
         bok->lagre();
         return Utfall::Ferdig;
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
         if (!feil.isEmpty()) k.dialogs.melding(feil, ui::Knapper::Ok, ui::Ikon::Ingen);
+        k.dialogs.feilGrunn(e);
         return Utfall::Avvist;
     }
 }
@@ -36,7 +37,7 @@ Utfall redigerMal(Kontekst& k, const QString& navn, const std::function<void(xls
 // Asks for the chart's new title, proposing the current one, and sets it (empty as given).
 void sporOgSettTittel(Kontekst& k, xlsx::Diagram& diagram)
 {
-    diagram.settTittel(k.dialogs.inndata(QStringLiteral("Angi tittel"), QStringLiteral("Tittel"), diagram.tittel()));
+    diagram.settTittel(k.dialogs.inndata(SporTittel, diagram.tittel()));
 }
 
 } // namespace

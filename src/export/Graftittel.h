@@ -6,6 +6,8 @@
 
 namespace eksport {
 
+inline const ui::Sporsmal SporTittel{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi tittel"), QStringLiteral("Tittel")};
+
 // The combined template of the current adsorption/desorption choice: title of chart 1.
 Utfall Command4_Click(Kontekst& k);
 // Mal_Sykluser.xlsx: the same title on both charts.

@@ -3,6 +3,7 @@
 #include "export/Eksport.h"
 #include "files/Tekstfil.h"
 #include "platform/xlsx/Arbeidsbok.h"
+#include "store/Setninger.h"
 
 namespace eksport {
 
@@ -35,9 +36,9 @@ bool harTekst(const xlsx::Verdi& v)
     return !std::holds_alternative<std::monostate>(v) && !(tekst && tekst->isEmpty());
 }
 
-int16_t minutter(Kontekst& k, const QString& sporsmal)
+int16_t minutter(Kontekst& k, const ui::Sporsmal& sporsmal)
 {
-    return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("Minutter"), QStringLiteral("25")));
+    return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("25")));
 }
 
 } // namespace
@@ -112,27 +113,27 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
 Utfall Command12_Click(Kontekst& k)
 {
     try {
-        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage excel-filer for "));
+        const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
-        const SnuPunkter& liste = *snu;
+        const filer::SnuPunkter& liste = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
 
         const ui::Opptatt opptatt(k.vindu);
         const vb::Dato start = dataStart(k);
-        const int16_t foer = minutter(k, QStringLiteral("Angi antall minutter før"));
-        const int16_t etter = minutter(k, QStringLiteral("Angi antall minutter etter"));
+        const int16_t foer = minutter(k, SporMinutterFor);
+        const int16_t etter = minutter(k, SporMinutterEtter);
         k.vindu.behandleHendelser();
 
-        const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+        const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
         for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
-            if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) > syklus) continue;
+            if (vb::tall(k.vindu.forsteSyklus()) > syklus) continue;
             const vb::Dato snupunkt = liste.syklus(syklus);
-            auto posterFor = vinduRader(k, ">=", snupunkt.leggTilMinutter(-foer), snupunkt);
-            auto posterEtter = vinduRader(k, ">=", snupunkt, snupunkt.leggTilMinutter(etter));
+            auto posterFor = store::vinduRader(k.tilkobling, true, snupunkt.leggTilMinutter(-foer), snupunkt);
+            auto posterEtter = store::vinduRader(k.tilkobling, true, snupunkt, snupunkt.leggTilMinutter(etter));
             if (!posterFor.eof())
                 LagIntegreringsfil(k, prefiks, posterFor, posterEtter, syklus, start,
-                                   vb::heltall16(k.vindu.tekst(ui::Boks::Text6)));
+                                   vb::heltall16(k.vindu.sisteSyklus()));
         }
     } catch (const std::exception& e) {
         k.dialogs.info(FeilMelding + QStringLiteral("\n\n") + QString::fromStdString(e.what()));

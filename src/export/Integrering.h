@@ -8,6 +8,11 @@
 
 namespace eksport {
 
+inline const ui::Sporsmal SporMinutterFor{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter før"),
+                                          QStringLiteral("Minutter")};
+inline const ui::Sporsmal SporMinutterEtter{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter etter"),
+                                            QStringLiteral("Minutter")};
+
 Utfall Command12_Click(Kontekst& k);
 
 // Writes and saves the integration workbook of one cycle and enters its area into the

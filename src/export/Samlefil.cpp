@@ -4,6 +4,7 @@
 #include "files/Tekstfil.h"
 #include "platform/xlsx/Arbeidsbok.h"
 #include "store/Maledata.h"
+#include "store/Setninger.h"
 
 namespace eksport {
 
@@ -14,13 +15,9 @@ constexpr int SisteRad = 2000;
 // DatoTid of the first row holding the largest value of the column strictly between a and b.
 vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const vb::Dato& b)
 {
-    const QString mellom = store::tidsvilkar(">", a) + QStringLiteral(" and ") + store::tidsvilkar("<", b);
-    auto poster = k.tilkobling.spor(QStringLiteral("Select DatoTid from Datalinjer where ") + kolonne +
-                                    QStringLiteral(" = (Select max(") + kolonne +
-                                    QStringLiteral(") from DataLinjer where ") + mellom + QStringLiteral(") and ") +
-                                    mellom);
-    if (poster.eof()) throw vb::Feil("Ingen rad med største verdi i intervallet");
-    return poster.dato("DatoTid");
+    const std::optional<vb::Dato> tid = store::maksTid(k.tilkobling, kolonne, a, b);
+    if (!tid) throw vb::Feil("Ingen rad med største verdi i intervallet");
+    return *tid;
 }
 
 QString kolonneBokstav(const Kontekst& k) { return filer::HentKode(k.vindu.kolonneTekst()); }
@@ -41,9 +38,9 @@ vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QS
 Utfall Command5_Click(Kontekst& k)
 {
     try {
-        const auto [snu, utfall] = forberedEksport(k, QStringLiteral("Vil du lage en samlefil for "));
+        const auto [snu, utfall] = forberedEksport(k, SporSamlefil);
         if (!snu) return utfall;
-        const SnuPunkter& liste = *snu;
+        const filer::SnuPunkter& liste = *snu;
         const QString mal = k.sti(samleMal(k.vindu));
         if (!filer::FilFinnes(mal)) {
             k.dialogs.info(QStringLiteral("Du mangler malfila"));
@@ -55,30 +52,27 @@ Utfall Command5_Click(Kontekst& k)
         auto bok = xlsx::apne(mal);
         xlsx::Arbeidsark& ark = bok->ark(1);
         const ui::Opptatt opptatt(k.vindu);
-        if (k.tilkobling.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)"))
-                .eof()) {
+        if (!store::harRader(k.tilkobling)) {
             k.dialogs.info(QStringLiteral("Finnes det data i tabellen?"));
             return Utfall::Avvist;
         }
         int16_t periode = 0;
         if (!k.vindu.adsorpsjon())
-            periode = vb::heltall16(k.dialogs.inndata(
-                QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
-                QStringLiteral("Periode"), QStringLiteral("140")));
+            periode = vb::heltall16(k.dialogs.inndata(SporPeriode, QStringLiteral("140")));
 
-        const int16_t siste = vb::heltall16(k.vindu.tekst(ui::Boks::Text6));
+        const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
         for (int16_t syklus = 1; syklus <= siste;) {
             const vb::Dato snupunkt = liste.syklus(syklus);
             vb::Dato null, slutt;
             if (k.vindu.adsorpsjon()) {
-                null = FinnNullpunktAdsorpsjon(k, snupunkt, kolonneBokstav(k), vb::heltall16(k.vindu.tekst(ui::Boks::Text1)));
-                slutt = snupunkt.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
+                null = FinnNullpunktAdsorpsjon(k, snupunkt, kolonneBokstav(k), vb::heltall16(k.vindu.minutterFor()));
+                slutt = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
             } else {
                 null = FinnNullpunktDesorpsjon(k, snupunkt, kolonneBokstav(k), periode);
-                slutt = null.leggTilMinutter(vb::tall(k.vindu.tekst(ui::Boks::Text2)));
+                slutt = null.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
             }
-            if (vb::tall(k.vindu.tekst(ui::Boks::Text4)) <= syklus) {
-                auto poster = vinduRader(k, ">=", null, slutt);
+            if (vb::tall(k.vindu.forsteSyklus()) <= syklus) {
+                auto poster = store::vinduRader(k.tilkobling, true, null, slutt);
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
                     float rad = 2.0f;
@@ -95,16 +89,15 @@ Utfall Command5_Click(Kontekst& k)
                     for (int n = static_cast<int>(rad); n <= SisteRad; ++n) ark.tomCelle(n, kolonne);
                 }
             }
-            if (vb::tall(k.vindu.tekst(ui::Boks::Text6)) == syklus) {
+            if (vb::tall(k.vindu.sisteSyklus()) == syklus) {
                 bok->lagreSom(utFil(k, prefiks + QStringLiteral("_Samlefil.xlsm")));
                 bok.reset();
                 break;
             }
             syklus = vb::pluss16(syklus);
         }
-    } catch (const std::exception&) {
-        k.dialogs.info(FeilMelding);
-        return Utfall::Avvist;
+    } catch (const std::exception& e) {
+        return eksportFeil(k, e);
     }
     k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
     return Utfall::Ferdig;

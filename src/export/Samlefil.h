@@ -7,6 +7,12 @@
 
 namespace eksport {
 
+inline const ui::Sporsmal SporSamlefil{ui::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage en samlefil for %1 run?")};
+inline const ui::Sporsmal SporPeriode{
+    ui::Sporsmal::Art::Inndata,
+    QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
+    QStringLiteral("Periode")};
+
 Utfall Command5_Click(Kontekst& k);
 
 // The time of the largest value of column Kolonne strictly inside the minute window

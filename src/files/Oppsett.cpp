@@ -10,13 +10,13 @@ void LesOppsett(Kontekst& k)
     if (!FilFinnes(fil)) return;
     const QStringList felt = HentFraFil(fil).split(QLatin1Char('!'));
     if (felt.size() < 5) return;
-    for (int i = 0; i < 6 && i < felt.size(); ++i) k.vindu.settTekst(ui::AlleBokser[i], felt[i]);
+    for (int i = 0; i < 6 && i < felt.size(); ++i) k.vindu.settTekst(ui::Innstillinger[i].boks, felt[i]);
 }
 
 QString oppsettLinje(const ui::Vindu& vindu)
 {
     QStringList felt;
-    for (ui::Boks b : ui::AlleBokser) felt << vindu.tekst(b);
+    for (const ui::Innstilling& i : ui::Innstillinger) felt << vindu.tekst(i.boks);
     return felt.join(QLatin1Char('!'));
 }
 

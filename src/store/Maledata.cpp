@@ -1,43 +1,13 @@
 #include "store/Maledata.h"
 
+#include "store/Setninger.h"
+
 namespace store {
-
-void lagTomDatabase(const QString& fil)
-{
-    db::Database d;
-    d.lag(fil);
-    d.utforSqlite("CREATE TABLE DataLinjer ("
-                  " ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT,"
-                  " C REAL, D REAL, E REAL, F REAL, G REAL, H REAL, I REAL, J REAL, K REAL, L REAL);"
-                  "CREATE INDEX DataLinjer_DatoTid ON DataLinjer (DatoTid);");
-}
-
-void apneMaledata(db::Database& tilkobling, const QString& fil)
-{
-    tilkobling.aapne(fil);
-    try {
-        tilkobling.utforSqlite("SELECT ID, DatoTid, DatoTid_Tekst, C, L FROM DataLinjer LIMIT 0");
-    } catch (const db::DbFeil&) {
-        tilkobling.lukk();
-        throw db::DbFeil(QStringLiteral("Kan ikke åpne databasen %1: den har ingen tabell DataLinjer").arg(fil).toStdString());
-    }
-}
-
-QString tidsvilkar(const char* op, const vb::Dato& tid)
-{
-    return QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS') ") + QLatin1String(op) + QStringLiteral(" '") +
-           tid.tidsnokkel() + QLatin1Char('\'');
-}
 
 QString tittel(long long antall, const QString& versjon)
 {
     return QStringLiteral("Tolvik - ") + vb::antallTekst(antall) + QStringLiteral(" poster i databasen  [Versjon: ") +
            versjon + QLatin1Char(']');
-}
-
-long long antallRader(db::Database& d)
-{
-    return static_cast<long long>(d.spor(QStringLiteral("Select count(*) as Antall from dataLinjer")).tall("Antall"));
 }
 
 void VisAntallPoster(Kontekst& k)

@@ -1,4 +1,4 @@
-#include "analysis/FrmGraph.h"
+#include "app/FrmGraph.h"
 #include "analysis/Graf.h"
 #include "AnalyseFelles.h"
 
@@ -25,13 +25,15 @@ protected:
     Vist vis()
     {
         Vist v;
-        f->settModalVisning([&](QDialog& vindu) {
-            auto& g = dynamic_cast<analyse::FrmGraph&>(vindu);
-            for (int i = 1; i <= g.radAntall(); ++i) v.verdier.push_back(g.verdi(i));
+        f->settGrafVisning([&](app::FrmGraph& g) {
+            const ui::Graf& graf = g.graf();
+            for (int i = 0; i < graf.rader; ++i)
+                v.verdier.push_back(i < static_cast<int>(graf.verdier.size()) ? std::optional(graf.verdier[i]) : std::nullopt);
             g.show();
             auto* exit = g.findChild<QPushButton*>(u"Command1"_s);
             exit->click();
-            v = {g.radAntall(), g.punkter(), v.verdier, g.windowTitle() + '|' + exit->text() + (g.isVisible() ? "" : "|lukket")};
+            v = {graf.rader, static_cast<int>(graf.verdier.size()), v.verdier,
+                 g.windowTitle() + '|' + exit->text() + (g.isVisible() ? "" : "|lukket")};
         });
         f->Command8_Click();
         return v;

@@ -1,5 +1,6 @@
 #include "analysis/Sykluser.h"
 #include "AnalyseFelles.h"
+#include "store/Setninger.h"
 
 namespace {
 
@@ -64,8 +65,8 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     // The command built the column's time index, and every statement of the search reads that
     // index alone, in its order, without a sort.
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
-    for (const QString& s : {analyse::snuPunktSetning(a, b, true, u"C"_s), analyse::snuPunktSetning(a, b, false, u"C"_s),
-                             analyse::minimumSetning(u"C"_s, a), analyse::treffSetning(u"C"_s, u"0.5"_s, a)}) {
+    for (const QString& s : {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
+                             store::setning::minimum(u"C"_s, a), store::setning::treff(u"C"_s, u"0.5"_s, a)}) {
         for (auto p = k.spor(u"EXPLAIN QUERY PLAN "_s + s); !p.eof(); p.moveNext()) {
             const QString trinn = p.tekst("detail");
             EXPECT_TRUE(trinn.startsWith(u"EXECUTE"_s) || trinn.contains(u"USING COVERING INDEX DataLinjer_Tid_C (DatoTid>"_s)) << trinn << s;

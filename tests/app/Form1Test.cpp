@@ -20,7 +20,7 @@ using ui::Boks;
 QStringList bokser(const Form1& f)
 {
     QStringList ut;
-    for (Boks b : ui::AlleBokser) ut << f.tekst(b);
+    for (const auto& i : ui::Innstillinger) ut << f.tekst(i.boks);
     return ut;
 }
 

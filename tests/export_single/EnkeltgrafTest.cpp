@@ -159,7 +159,7 @@ TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMeldingOgOdeleggerIngenting)
     EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
 
     // A turning point that is no date-time.
-    filer::SkrivTilFil(mappe.sti(eksport::SnuPunktFil), QStringLiteral("i går"));
+    filer::SkrivTilFil(mappe.sti(filer::SnuPunktFil), QStringLiteral("i går"));
     feiler({Svar::Ja, QStringLiteral("C")});
     EXPECT_EQ(utfiler(), skrevet);
     EXPECT_FALSE(dialogs.ubrukteSvar());
@@ -201,7 +201,7 @@ TEST_F(Eksporter, AvviserUtenSnupunkterDataEllerSvar)
                       {"Command12", &Form1::Command12_Click, eksport::FeilMelding}};
     for (const auto& k : kommandoer) {
         SCOPED_TRACE(k.knapp);
-        QFile::remove(mappe.sti(eksport::SnuPunktFil));
+        QFile::remove(mappe.sti(filer::SnuPunktFil));
         QDir(utmappe).removeRecursively();
         // The button itself, before any cycle search.
         form().findChild<QPushButton*>(QLatin1String(k.knapp))->click();

@@ -1,5 +1,6 @@
 #include "platform/dialogs/QtDialogs.h"
 
+#include <QDebug>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -55,5 +56,7 @@ QString QtDialogs::velgFil(const QString& filter)
 {
     return QFileDialog::getOpenFileName(eier_, QStringLiteral("Åpne"), QString(), qtFilter(filter));
 }
+
+void QtDialogs::feilGrunn(const QString& grunn) { qWarning().noquote() << grunn; }
 
 } // namespace ui

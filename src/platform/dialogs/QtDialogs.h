@@ -15,6 +15,7 @@ public:
     Svar melding(const QString& tekst, Knapper knapper, Ikon ikon, const QString& tittel) override;
     QString inndata(const QString& sporsmal, const QString& tittel, const QString& forslag) override;
     QString velgFil(const QString& filter) override;
+    void feilGrunn(const QString& grunn) override;
 
     // "CSV-filer (*.CSV)|*.CSV" as a Qt filter that also shows lower-case names.
     static QString qtFilter(const QString& filter);

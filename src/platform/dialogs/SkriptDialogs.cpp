@@ -1,5 +1,7 @@
 #include "platform/dialogs/SkriptDialogs.h"
 
+#include <algorithm>
+
 namespace ui {
 
 QStringList SkriptDialogs::meldinger() const
@@ -10,11 +12,15 @@ QStringList SkriptDialogs::meldinger() const
     return ut;
 }
 
-SkriptDialogs::Svaret SkriptDialogs::neste(const QString& sporsmal)
+SkriptDialogs::Svaret SkriptDialogs::neste(Sporsmal::Art art, const QString& tekst, const QString& tittel)
 {
-    if (svar_.empty()) throw UbesvartSporsmal{sporsmal};
-    Svaret s = std::move(svar_.front());
-    svar_.pop_front();
+    auto it = std::find_if(svar_.begin(), svar_.end(),
+                           [&](const Oppfort& o) { return o.sporsmal && o.sporsmal->stilles(art, tekst, tittel); });
+    if (it == svar_.end())
+        it = std::find_if(svar_.begin(), svar_.end(), [](const Oppfort& o) { return !o.sporsmal; });
+    if (it == svar_.end()) throw UbesvartSporsmal{tekst};
+    Svaret s = std::move(it->svar);
+    svar_.erase(it);
     return s;
 }
 
@@ -23,7 +29,7 @@ Svar SkriptDialogs::melding(const QString& tekst, Knapper knapper, Ikon ikon, co
     dialoger_.push_back({Type::Melding, tekst, tittel, {}, knapper, ikon});
     if (vedMelding) vedMelding(tekst);
     if (knapper == Knapper::Ok) return Svar::Ok;
-    const Svaret s = neste(tekst);
+    const Svaret s = neste(Sporsmal::Art::JaNei, tekst, tittel);
     const auto* svar = std::get_if<Svar>(&s);
     if (!svar || *svar == Svar::Ok) throw UbesvartSporsmal{tekst};
     return *svar;
@@ -32,7 +38,7 @@ Svar SkriptDialogs::melding(const QString& tekst, Knapper knapper, Ikon ikon, co
 QString SkriptDialogs::inndata(const QString& sporsmal, const QString& tittel, const QString& forslag)
 {
     dialoger_.push_back({Type::Inndata, sporsmal, tittel, forslag});
-    const Svaret s = neste(sporsmal);
+    const Svaret s = neste(Sporsmal::Art::Inndata, sporsmal, tittel);
     if (std::holds_alternative<Forslag>(s)) return forslag;
     if (const auto* tekst = std::get_if<QString>(&s)) return *tekst;
     throw UbesvartSporsmal{sporsmal};
@@ -41,9 +47,15 @@ QString SkriptDialogs::inndata(const QString& sporsmal, const QString& tittel, c
 QString SkriptDialogs::velgFil(const QString& filter)
 {
     dialoger_.push_back({Type::Fil, filter, {}, {}});
-    const Svaret s = neste(filter);
+    const Svaret s = neste(Sporsmal::Art::Fil, filter, ProgramTittel);
     if (const auto* sti = std::get_if<QString>(&s)) return *sti;
     throw UbesvartSporsmal{filter};
+}
+
+void SkriptDialogs::feilGrunn(const QString& grunn)
+{
+    grunner_ << grunn;
+    if (vedGrunn) vedGrunn(grunn);
 }
 
 } // namespace ui

@@ -1,5 +1,6 @@
-// Dialogs answered from a script: a queue of answers, every box recorded.
-// A question without a queued answer of the right kind fails loudly.
+// Dialogs answered from a script, every box recorded. An answer is given either for the next
+// question, whatever it asks, or for one question (its kind, text and title), whenever that is
+// asked. A question without an answer of the right kind fails loudly.
 #pragma once
 
 #include "platform/dialogs/Dialogs.h"
@@ -8,6 +9,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -34,23 +36,36 @@ public:
         Ikon ikon = Ikon::Ingen;
     };
 
-    void svar(Svaret s) { svar_.push_back(std::move(s)); }
+    // The answer to the next question asked.
+    void svar(Svaret s) { svar_.push_back({std::nullopt, std::move(s)}); }
+    // The answer to the question s whenever it is asked; questions answered so are looked up
+    // before the answers for whatever comes next.
+    void svar(const Sporsmal& s, Svaret svaret) { svar_.push_back({s, std::move(svaret)}); }
+
     const std::vector<Dialog>& dialoger() const { return dialoger_; }
     // The texts of the message boxes shown, in order.
     QStringList meldinger() const;
     bool ubrukteSvar() const { return !svar_.empty(); }
-    // Called with every message box as it is shown (tolvik-batch prints them).
-    std::function<void(const QString&)> vedMelding;
+    // The causes the commands gave behind their error messages, in order.
+    const QStringList& grunner() const { return grunner_; }
+    // Called with every message box as it is shown, and with every cause (tolvik-batch prints them).
+    std::function<void(const QString&)> vedMelding, vedGrunn;
 
     Svar melding(const QString& tekst, Knapper knapper, Ikon ikon, const QString& tittel) override;
     QString inndata(const QString& sporsmal, const QString& tittel, const QString& forslag) override;
     QString velgFil(const QString& filter) override;
+    void feilGrunn(const QString& grunn) override;
 
 private:
-    Svaret neste(const QString& sporsmal);
+    struct Oppfort {
+        std::optional<Sporsmal> sporsmal;  // none: the next question
+        Svaret svar;
+    };
+    Svaret neste(Sporsmal::Art art, const QString& tekst, const QString& tittel);
 
-    std::deque<Svaret> svar_;
+    std::deque<Oppfort> svar_;
     std::vector<Dialog> dialoger_;
+    QStringList grunner_;
 };
 
 } // namespace ui

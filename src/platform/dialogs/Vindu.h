@@ -1,12 +1,12 @@
 // The main window's controls as the commands see them: the six setting boxes,
 // the column chooser, the adsorption/desorption choice, the progress label,
-// the caption, the busy pointer and letting pending events run.
+// the caption, the busy pointer, letting pending events run, and the graph window.
 #pragma once
 
 #include <QString>
 #include <QStringList>
 
-class QDialog;
+#include <vector>
 
 namespace ui {
 
@@ -14,9 +14,34 @@ namespace ui {
 // command; it is no std::exception, so the command's own error path lets it pass.
 struct Avbrutt {};
 
+// The six setting boxes.
 enum class Boks { Text4, Text6, Text5, Text3, Text1, Text2 };
-// The setting boxes in the order of Oppsett.txt.
-inline constexpr Boks AlleBokser[] = {Boks::Text4, Boks::Text6, Boks::Text5, Boks::Text3, Boks::Text1, Boks::Text2};
+
+// A setting box: its control name, the label beside it, its text at start-up.
+struct Innstilling {
+    Boks boks;
+    const char* navn;
+    const char* etikett;  // UTF-8
+    const char* standard;
+};
+
+// The six settings in the order of Oppsett.txt.
+inline constexpr Innstilling Innstillinger[] = {
+    {Boks::Text4, "Text4", "Sykluser (1 - max)", "1"},   // first cycle
+    {Boks::Text6, "Text6", "Sykluser (1 - max)", "30"},  // last cycle
+    {Boks::Text5, "Text5", "Tid mellom min. punkt", "200"},
+    {Boks::Text3, "Text3", "Start første run (minutter)", "230"},
+    {Boks::Text1, "Text1", "Antall minutter før min. punkt", "10"},
+    {Boks::Text2, "Text2", "Antall minutter etter min. punkt", "120"},
+};
+
+// What the overview graph draws: its title, the number of chart rows, and the values of
+// rows 1, 2, 3 … (rows past the values have none and are not drawn).
+struct Graf {
+    QString tittel;
+    int rader = 0;
+    std::vector<double> verdier;
+};
 
 class Vindu {
 public:
@@ -24,6 +49,16 @@ public:
 
     virtual QString tekst(Boks boks) const = 0;
     virtual void settTekst(Boks boks, const QString& tekst) = 0;
+
+    // The settings by what they mean; each read gives the box's text at that moment.
+    QString forsteSyklus() const { return tekst(Boks::Text4); }
+    QString sisteSyklus() const { return tekst(Boks::Text6); }
+    QString minutterFor() const { return tekst(Boks::Text1); }
+    QString minutterEtter() const { return tekst(Boks::Text2); }
+    // What a cycle search proposes: the last cycle, the time between cycles, the first run's start.
+    void settSisteSyklus(const QString& t) { settTekst(Boks::Text6, t); }
+    void settTidMellom(const QString& t) { settTekst(Boks::Text5, t); }
+    void settStartForsteRun(const QString& t) { settTekst(Boks::Text3, t); }
 
     // Combo1: its entries, the selected one (-1 for none) and its text.
     virtual QStringList kolonner() const = 0;
@@ -49,8 +84,8 @@ public:
     // when the program is being ended.
     virtual void behandleHendelser() = 0;
 
-    // Shows a window of a command modally: the command goes on when it has been closed.
-    virtual void visModalt(QDialog& vindu) = 0;
+    // Shows the graph window "Graf" modally: the command goes on when it has been closed.
+    virtual void visGraf(const Graf& graf) = 0;
 };
 
 // Shows the busy pointer for as long as it lives, whatever way a command ends.

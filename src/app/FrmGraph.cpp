@@ -1,4 +1,4 @@
-#include "analysis/FrmGraph.h"
+#include "app/FrmGraph.h"
 
 #include <QChart>
 #include <QChartView>
@@ -10,10 +10,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-namespace analyse
+namespace app
 {
 
-FrmGraph::FrmGraph(QWidget* eier) : QDialog(eier)
+FrmGraph::FrmGraph(const ui::Graf& graf, QWidget* eier) : QDialog(eier), graf_(graf)
 {
     setObjectName(QStringLiteral("frm_Graph"));
     setWindowTitle(QStringLiteral("Graf"));
@@ -37,10 +37,22 @@ FrmGraph::FrmGraph(QWidget* eier) : QDialog(eier)
     hoved->addWidget(Frame1, 1);
     hoved->addLayout(knapper);
 
+    QList<QPointF> punkt;
+    punkt.reserve(static_cast<qsizetype>(graf_.verdier.size()));
+    double lav = 0, hoy = 0;
+    for (size_t i = 0; i < graf_.verdier.size(); ++i) {
+        const double v = graf_.verdier[i];
+        if (punkt.isEmpty()) lav = hoy = v;
+        lav = std::min(lav, v);
+        hoy = std::max(hoy, v);
+        punkt.append(QPointF(static_cast<double>(i + 1), v));
+    }
     auto* chart = new QChart;
     chart->legend()->hide();
-    serie_ = new QLineSeries;
-    chart->addSeries(serie_);
+    chart->setTitle(graf_.tittel);
+    auto* serie = new QLineSeries;
+    serie->replace(punkt);
+    chart->addSeries(serie);
     auto* x = new QValueAxis;
     x->setTitleText(QStringLiteral("Punkt"));
     x->setLabelFormat(QStringLiteral("%d"));
@@ -48,40 +60,13 @@ FrmGraph::FrmGraph(QWidget* eier) : QDialog(eier)
     y->setLabelFormat(QStringLiteral("%.2e")); // ion currents, 1e-13 to 1e-8
     chart->addAxis(x, Qt::AlignBottom);
     chart->addAxis(y, Qt::AlignLeft);
-    serie_->attachAxis(x);
-    serie_->attachAxis(y);
+    serie->attachAxis(x);
+    serie->attachAxis(y);
+    const double marg = hoy > lav ? (hoy - lav) * 0.05 : (lav != 0 ? std::abs(lav) * 0.05 : 1.0);
+    x->setRange(1, std::max(graf_.rader, 2));
+    // Currents are never negative: the axis does not reach below zero for them.
+    y->setRange(lav >= 0 ? std::max(0.0, lav - marg) : lav - marg, hoy + marg);
     MSChart->setChart(chart);
 }
 
-void FrmGraph::settRadAntall(int antall) { rader_.assign(static_cast<size_t>(std::max(antall, 0)), std::nullopt); }
-
-void FrmGraph::settVerdi(int rad, double verdi) { rader_.at(static_cast<size_t>(rad - 1)) = verdi; }
-
-int FrmGraph::punkter() const
-{
-    return static_cast<int>(std::count_if(rader_.begin(), rader_.end(), [](const auto& v) { return v.has_value(); }));
-}
-
-void FrmGraph::tegn(const QString& tittel)
-{
-    QList<QPointF> punkt;
-    punkt.reserve(static_cast<qsizetype>(rader_.size()));
-    double lav = 0, hoy = 0;
-    for (size_t i = 0; i < rader_.size(); ++i) {
-        if (!rader_[i]) continue;
-        const double v = *rader_[i];
-        if (punkt.isEmpty()) lav = hoy = v;
-        lav = std::min(lav, v);
-        hoy = std::max(hoy, v);
-        punkt.append(QPointF(static_cast<double>(i + 1), v));
-    }
-    serie_->replace(punkt);
-    QChart* chart = MSChart->chart();
-    chart->setTitle(tittel);
-    const double marg = hoy > lav ? (hoy - lav) * 0.05 : (lav != 0 ? std::abs(lav) * 0.05 : 1.0);
-    chart->axes(Qt::Horizontal).first()->setRange(1, std::max<qsizetype>(radAntall(), 2));
-    // Currents are never negative: the axis does not reach below zero for them.
-    chart->axes(Qt::Vertical).first()->setRange(lav >= 0 ? std::max(0.0, lav - marg) : lav - marg, hoy + marg);
-}
-
-} // namespace analyse
+} // namespace app

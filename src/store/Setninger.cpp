@@ -1,0 +1,159 @@
+#include "store/Setninger.h"
+
+#include <QStringList>
+
+namespace store {
+
+namespace {
+
+// "format(DatoTid, 'YYYYMMDDHHNNSS') " + op + " '" + time key + "'".
+QString tidsvilkar(const char* op, const vb::Dato& tid)
+{
+    return QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS') ") + QLatin1String(op) + QStringLiteral(" '") +
+           tid.tidsnokkel() + QLatin1Char('\'');
+}
+
+// The rows of a span whose value in K equals the span's extreme (funksjon "min" or "max"); the
+// span runs from fra (fraOp ">=" or ">") to til exclusive, inside and outside the subquery.
+QString ytterpunkt(const QString& K, const char* funksjon, const char* fraOp, const vb::Dato& fra, const vb::Dato& til)
+{
+    const QString spenn = tidsvilkar(fraOp, fra) + QStringLiteral(" and ") + tidsvilkar("<", til);
+    return QStringLiteral("Select DatoTid from Datalinjer where ") + K + QStringLiteral(" = (Select ") +
+           QLatin1String(funksjon) + QLatin1Char('(') + K + QStringLiteral(") from DataLinjer where ") + spenn +
+           QStringLiteral(") and ") + spenn;
+}
+
+void sikreTidsindeks(db::Database& d, const QString& K)
+{
+    static const QStringList Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"};
+    if (!Verdikolonner.contains(K)) return;
+    try {
+        d.utforSqlite(QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
+                          .arg(K)
+                          .toLatin1()
+                          .constData());
+    } catch (const db::DbFeil&) {
+        // A database that cannot take the index (write-protected, disk full) is searched without it, only slower.
+    }
+}
+
+} // namespace
+
+void lagTomDatabase(const QString& fil)
+{
+    db::Database d;
+    d.lag(fil);
+    d.utforSqlite("CREATE TABLE DataLinjer ("
+                  " ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT,"
+                  " C REAL, D REAL, E REAL, F REAL, G REAL, H REAL, I REAL, J REAL, K REAL, L REAL);"
+                  "CREATE INDEX DataLinjer_DatoTid ON DataLinjer (DatoTid);");
+}
+
+void apneMaledata(db::Database& tilkobling, const QString& fil)
+{
+    tilkobling.aapne(fil);
+    try {
+        tilkobling.utforSqlite("SELECT ID, DatoTid, DatoTid_Tekst, C, L FROM DataLinjer LIMIT 0");
+    } catch (const db::DbFeil&) {
+        tilkobling.lukk();
+        throw db::DbFeil(QStringLiteral("Kan ikke åpne databasen %1: den har ingen tabell DataLinjer").arg(fil).toStdString());
+    }
+}
+
+void tomTabell(db::Database& d) { d.utfor(QStringLiteral("Delete from Datalinjer")); }
+
+QString setning::minimum(const QString& K, const vb::Dato& sokStart)
+{
+    return QStringLiteral("Select min(") + K + QStringLiteral(") as Minimum from DataLinjer where ") +
+           tidsvilkar(">", sokStart);
+}
+
+QString setning::treff(const QString& K, const QString& terskel, const vb::Dato& sokStart)
+{
+    return QStringLiteral("Select DatoTid, ") + K + QStringLiteral(" as Verdi from Datalinjer where ") + K +
+           QStringLiteral(" < ") + terskel + QStringLiteral(" and ") + tidsvilkar(">", sokStart) +
+           QStringLiteral(" order by ID");
+}
+
+QString setning::snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K)
+{
+    return ytterpunkt(K, minste ? "min" : "max", ">=", fra, til);
+}
+
+QString setning::maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& til)
+{
+    return ytterpunkt(K, "max", ">", fra, til);
+}
+
+QString setning::vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til)
+{
+    return QStringLiteral("Select * from Datalinjer where ") + tidsvilkar(medStart ? ">=" : ">", fra) +
+           QStringLiteral(" and ") + tidsvilkar("<=", til) + QStringLiteral(" order by ID");
+}
+
+long long antallRader(db::Database& d)
+{
+    return static_cast<long long>(d.spor(QStringLiteral("Select count(*) as Antall from dataLinjer")).tall("Antall"));
+}
+
+db::Recordset kolonne(db::Database& d, const QString& K)
+{
+    return d.spor(QStringLiteral("Select ") + K + QStringLiteral(" from DataLinjer order by ID"));
+}
+
+std::optional<db::Recordset> forsteRad(db::Database& d)
+{
+    auto poster = d.spor(QStringLiteral("Select * from datalinjer where (Select min(ID) from datalinjer)"));
+    if (poster.eof()) return std::nullopt;
+    return poster;
+}
+
+std::optional<vb::Dato> forsteTid(db::Database& d)
+{
+    auto poster = d.spor(QStringLiteral("Select * from Datalinjer where ID = (Select Min(ID) from Datalinjer)"));
+    if (poster.eof()) return std::nullopt;
+    return poster.dato("DatoTid");
+}
+
+bool harRader(db::Database& d)
+{
+    return !d.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)")).eof();
+}
+
+db::StortMellomlager forberedSok(db::Database& d, const QString& K)
+{
+    sikreTidsindeks(d, K);
+    return db::StortMellomlager(d);
+}
+
+std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
+{
+    auto poster = d.spor(setning::minimum(K, sokStart));
+    if (poster.eof() || poster.erNull("Minimum")) return std::nullopt;
+    return poster.tall("Minimum");
+}
+
+db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart)
+{
+    return d.spor(setning::treff(K, terskel, sokStart));
+}
+
+vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K)
+{
+    auto poster = d.spor(setning::snuPunkt(fra, til, minste, K));
+    return poster.eof() ? vb::Dato() : poster.dato("DatoTid");
+}
+
+std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dato& fra, const vb::Dato& til)
+{
+    auto poster = d.spor(setning::maksTid(K, fra, til));
+    if (poster.eof()) return std::nullopt;
+    return poster.dato("DatoTid");
+}
+
+db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til)
+{
+    return d.spor(setning::vindu(medStart, fra, til));
+}
+
+} // namespace store

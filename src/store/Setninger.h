@@ -1,0 +1,73 @@
+// Every statement the program sends to the measurement database, and the queries that run
+// them. The texts are written in the program's own dialect (time keys through
+// format(DatoTid, 'YYYYMMDDHHNNSS'), results in ID order); db::Database turns them into SQLite.
+// The commands call the queries; nothing else builds statement text over DataLinjer.
+#pragma once
+
+#include "platform/db/Database.h"
+
+#include <optional>
+
+namespace store {
+
+// ------------------------------------------------------------------ the table
+
+// Creates a new keyed database file with the empty table DataLinjer and its time index.
+void lagTomDatabase(const QString& fil);
+// Opens a measurement database: DbFeil also when the file is a database without DataLinjer.
+void apneMaledata(db::Database& tilkobling, const QString& fil);
+// "Delete from Datalinjer": empties the table of a fresh copy of the template.
+void tomTabell(db::Database& d);
+
+// ------------------------------------------------------------------ the statement texts
+
+// The texts of the statements with arguments, as the queries below send them.
+namespace setning {
+QString minimum(const QString& K, const vb::Dato& sokStart);
+QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart);
+// The row of a span's smallest (minste) or largest value: from fra inclusive to til exclusive.
+QString snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);
+// The row of a span's largest value, both ends exclusive.
+QString maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& til);
+// The rows of a window in ID order: the start row taken or not (medStart), the end row always.
+QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
+} // namespace setning
+
+// ------------------------------------------------------------------ the queries
+
+// The number of rows, which every select of the whole table returns; count(*) reads it from the
+// small time index instead of walking every row.
+long long antallRader(db::Database& d);
+// One column of every row in ID order: "Select K from DataLinjer order by ID".
+db::Recordset kolonne(db::Database& d, const QString& K);
+
+// The first measurement row (lowest ID), as the cycle searches read it; empty for an empty table.
+std::optional<db::Recordset> forsteRad(db::Database& d);
+// DatoTid of the first measurement row, as the single-cycle and integration exports read it;
+// empty for an empty table.
+std::optional<vb::Dato> forsteTid(db::Database& d);
+// Whether the table holds a row, as the combined export asks it.
+bool harRader(db::Database& d);
+
+// Makes the column's time index when it is missing and keeps a large page cache while the
+// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made the first
+// time the column is searched and kept until the next import replaces Data.mdb. It holds all
+// that a search reads, so the minimum, the hit rows and each turning point come from it alone,
+// in time order, without the much wider table rows; the cache keeps it decrypted between them.
+// Other letters get no index, and a database that cannot take it is searched without it.
+[[nodiscard]] db::StortMellomlager forberedSok(db::Database& d, const QString& K);
+// The column's smallest value after the search start (empty when no row lies after it).
+std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
+// DatoTid and Verdi of the rows after the search start whose value in K lies below the
+// threshold (its statement text), in ID order.
+db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart);
+// DatoTid of the row from fra (inclusive) to til (exclusive) holding the span's smallest
+// (minste) or largest value of K; the zero date-time when the span has no row.
+vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);
+// DatoTid of the first row holding the largest value of K strictly between fra and til;
+// empty when the span has no row.
+std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dato& fra, const vb::Dato& til);
+// Every row of a time window in ID order; the row at fra only with medStart, the row at til always.
+db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til);
+
+} // namespace store
