@@ -27,7 +27,7 @@ struct Celler : Kilde {
         return {r, k};
     }
     // A formula standing in Z99.
-    Resultat i(const char* formel) { return beregn(*tolk(formel, 99, 26), *this, 99, 26); }
+    Resultat i(const char* formel) { return beregn(*Tolkelager().hent(formel, 99, 26), *this, 99, 26); }
     double x(const char* formel) {
         Resultat v = i(formel);
         EXPECT_EQ(v.art, Resultat::Tall) << formel << " gave " << v.tekst;
@@ -97,8 +97,11 @@ TEST(Formel, TekstForm)
     EXPECT_TRUE(lesAdresse("$AB$12", r, k));
     EXPECT_EQ(std::pair(r, k), std::pair(12, 28));
     EXPECT_FALSE(lesAdresse("A0", r, k) || lesAdresse("B2:C3", r, k));
-    EXPECT_EQ(kolonneNavn(16384), "XFD");
-    EXPECT_EQ(tallTekst(0.1 + 0.2), "0.30000000000000004");
+    std::string ut;
+    leggTilAdresse(ut, 1048576, 16384);
+    leggTilAdresse(ut, 7, 27, true, true);
+    leggTilTall(ut, 0.1 + 0.2);
+    EXPECT_EQ(ut, "XFD1048576$AA$70.30000000000000004");
 }
 
 TEST(Formel, LagerDelerFormPaTversAvRader)

@@ -74,6 +74,13 @@ inline std::map<std::string, Oppforing> lesZip(const QString& sti) {
     return ut;
 }
 
+// A part of the hand-made workbook in handlaget/, as stored there.
+inline std::string handlagetDel(const std::string& navn) {
+    QFile f(QStringLiteral(TOLVIK_TESTDATA "/xlsx/handlaget/") + QString::fromStdString(navn));
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << navn;
+    return f.readAll().toStdString();
+}
+
 // The workbook a spreadsheet application would write, parts in the order it writes them:
 // shared strings (one of them rich text), styles, a calculation chain, a shared formula,
 // a VBA part, and on sheet 2 a picture followed by a line chart with a rich title, a
@@ -84,11 +91,8 @@ inline Deler handlagetBok() {
                              "xl/worksheets/sheet1.xml", "xl/worksheets/sheet2.xml", "xl/worksheets/_rels/sheet2.xml.rels",
                              "xl/drawings/drawing1.xml", "xl/drawings/_rels/drawing1.xml.rels", "xl/charts/chart1.xml",
                              "xl/charts/chart2.xml", "xl/charts/chart3.xml", "xl/sharedStrings.xml", "xl/styles.xml",
-                             "xl/calcChain.xml"}) {
-        QFile f(QStringLiteral(TOLVIK_TESTDATA "/xlsx/handlaget/") + QLatin1String(navn));
-        EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << navn;
-        ut.emplace_back(navn, f.readAll().toStdString());
-    }
+                             "xl/calcChain.xml"})
+        ut.emplace_back(navn, handlagetDel(navn));
     std::string vba(3000, '\0');
     for (size_t i = 0; i < vba.size(); ++i) vba[i] = static_cast<char>((i * 7919) % 251);
     ut.emplace_back("xl/vbaProject.bin", vba);

@@ -1,6 +1,6 @@
 #include "platform/xlsx/Ark.h"
 
-#include <pugixml.hpp>
+#include "platform/xlsx/Xml.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,86 +10,30 @@
 
 namespace xlsx {
 
+using formel::leggTilAdresse;
+using formel::leggTilHeltall;
+using formel::leggTilTall;
 using formel::Resultat;
 
 namespace {
 
-std::string_view lokaltNavn(const char* navn) {
-    const char* kolon = std::strrchr(navn, ':');
-    return kolon ? kolon + 1 : navn;
-}
-
-pugi::xml_node barn(pugi::xml_node n, std::string_view navn) {
-    for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
-        if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
-    return {};
-}
-
-// Text of an element or attribute value, escaped for XML.
-void escape(std::string& ut, std::string_view s, bool attributt) {
-    size_t fra = 0;
-    for (size_t i = 0; i < s.size(); ++i) {
-        const char* erstatt = nullptr;
-        unsigned char c = static_cast<unsigned char>(s[i]);
-        switch (c) {
-        case '&': erstatt = "&amp;"; break;
-        case '<': erstatt = "&lt;"; break;
-        case '>': erstatt = "&gt;"; break;
-        case '"': erstatt = attributt ? "&quot;" : nullptr; break;
-        case '\t': case '\n': case '\r': break;
-        default:
-            if (c < 0x20) erstatt = ""; // not allowed in XML 1.0
-        }
-        if (!erstatt) continue;
-        ut.append(s.data() + fra, i - fra);
-        ut += erstatt;
-        fra = i + 1;
-    }
-    ut.append(s.data() + fra, s.size() - fra);
-}
-
+// The element's attributes as they stand, those named in utenom left out.
 void attributter(std::string& ut, pugi::xml_node n, std::initializer_list<std::string_view> utenom) {
     for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute()) {
         if (std::find(utenom.begin(), utenom.end(), std::string_view(a.name())) != utenom.end()) continue;
         ut += ' ';
         ut += a.name();
         ut += "=\"";
-        escape(ut, a.value(), true);
+        leggTilAttributt(ut, a.value());
         ut += '"';
     }
-}
-
-void leggTilTall(std::string& ut, double x) {
-    char buf[32];
-    auto r = std::to_chars(buf, buf + sizeof buf, x);
-    ut.append(buf, r.ptr);
-}
-
-void leggTilHeltall(std::string& ut, long x) {
-    char buf[24];
-    auto r = std::to_chars(buf, buf + sizeof buf, x);
-    ut.append(buf, r.ptr);
-}
-
-void leggTilAdresse(std::string& ut, int rad, int kol) {
-    char buf[8];
-    int n = 0;
-    while (kol > 0) {
-        buf[n++] = static_cast<char>('A' + (kol - 1) % 26);
-        kol = (kol - 1) / 26;
-    }
-    while (n > 0) ut += buf[--n];
-    leggTilHeltall(ut, rad);
 }
 
 // The plain text of an inline rich-text element.
 std::string rikTekst(const std::string& xml) {
     pugi::xml_document d;
     d.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
-    std::string s;
-    for (auto x : d.select_nodes("//*[local-name()='t' and not(ancestor::*[local-name()='rPh'])]"))
-        s += x.node().child_value();
-    return s;
+    return rentTekst(d);
 }
 
 } // namespace
@@ -123,8 +67,8 @@ void Ark::last() {
         slutt = p + lukk.size();
     }
     pugi::xml_document d;
-    auto res = d.load_buffer(xml.data() + start, slutt - start, pugi::parse_default | pugi::parse_ws_pcdata_single);
-    if (!res) throw XlsxFeil("Ødelagt ark: " + sti_ + " (" + res.description() + ")");
+    lesXml(d, std::string_view(xml).substr(start, slutt - start), pugi::parse_default | pugi::parse_ws_pcdata_single,
+           "Ødelagt ark: " + sti_, true);
     foran_ = xml.substr(0, start);
     bak_ = xml.substr(slutt);
 
@@ -433,11 +377,11 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         switch (r.art) {
         case Resultat::Tall: leggTilTall(verdi, r.tall); break;
         case Resultat::Logisk: type = "b"; verdi = r.tall != 0 ? "1" : "0"; break;
-        case Resultat::Tekst: type = "str"; escape(verdi, r.tekst, false); break;
+        case Resultat::Tekst: type = "str"; leggTilTekst(verdi, r.tekst); break;
         case Resultat::Feil:
             if (!r.usikker) {
                 type = "e";
-                escape(verdi, r.tekst, false);
+                leggTilTekst(verdi, r.tekst);
             }
             break;
         case Resultat::Tom: break;
@@ -449,7 +393,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         case Celle::Tall: leggTilTall(verdi, c.tall); break;
         case Celle::Logisk: type = "b"; verdi = c.tall != 0 ? "1" : "0"; break;
         case Celle::Delt: type = "s"; leggTilHeltall(verdi, static_cast<long>(c.tall)); break;
-        case Celle::Feil: type = "e"; escape(verdi, c.tekst, false); break;
+        case Celle::Feil: type = "e"; leggTilTekst(verdi, c.tekst); break;
         case Celle::Tekst: type = "inlineStr"; break;
         case Celle::Rik: type = "inlineStr"; rik = true; break;
         }
@@ -490,7 +434,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
             ut += "/>";
         } else {
             ut += '>';
-            escape(ut, f.tekst, false);
+            leggTilTekst(ut, f.tekst);
             lukkTagg(ut, "f");
         }
     }
@@ -500,7 +444,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         ut += '<';
         ut += ns_;
         ut += bevar ? "is><" + ns_ + "t xml:space=\"preserve\">" : "is><" + ns_ + "t>";
-        escape(ut, t, false);
+        leggTilTekst(ut, t);
         lukkTagg(ut, "t");
         lukkTagg(ut, "is");
     } else if (rik) {

@@ -34,7 +34,6 @@ public:
     void tomRad(int rad) override;
     Diagram& diagram(int nr) override { return bok_.diagram(sti_, nr); }
 
-    const std::string& sti() const { return sti_; }
     bool endret() const { return endret_; }
     // A formula was set, overwritten or removed since opening.
     bool formlerEndret() const { return formlerEndret_; }

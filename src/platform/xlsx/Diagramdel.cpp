@@ -1,11 +1,11 @@
 #include "platform/xlsx/Diagramdel.h"
 
 #include "platform/xlsx/Formel.h"
+#include "platform/xlsx/Xml.h"
 
 #include <QStringList>
 
 #include <cstring>
-#include <sstream>
 
 namespace xlsx {
 
@@ -26,16 +26,10 @@ bool prefiks(pugi::xml_node rot, const char* uri, std::string& ut) {
     return false;
 }
 
-bool slutterPa(std::string_view s, std::string_view slutt) {
-    return s.size() >= slutt.size() && s.substr(s.size() - slutt.size()) == slutt;
-}
-
 } // namespace
 
 Diagramdel::Diagramdel(std::string sti, const std::string& xml) : sti_(std::move(sti)) {
-    auto res = doc_.load_buffer(xml.data(), xml.size(),
-                                pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
-    if (!res) throw XlsxFeil("Ødelagt diagram: " + sti_ + " (" + res.description() + ")");
+    lesXml(doc_, xml, medDeklarasjon | pugi::parse_ws_pcdata, "Ødelagt diagram: " + sti_, true);
     pugi::xml_node rot = doc_.document_element();
     if (!prefiks(rot, chartNs, c_)) throw XlsxFeil("Ikke et diagram: " + sti_);
     if (!prefiks(rot, tegningNs, a_)) {
@@ -112,7 +106,7 @@ pugi::xml_node Diagramdel::horisontalAkse() const {
     pugi::xml_node omrade = diagram().child(c("plotArea").c_str());
     pugi::xml_node gruppe;
     for (pugi::xml_node n = omrade.first_child(); n && !gruppe; n = n.next_sibling())
-        if (slutterPa(n.name(), "Chart")) gruppe = n;
+        if (std::string_view(n.name()).ends_with("Chart")) gruppe = n;
     if (!gruppe) throw XlsxFeil("Diagrammet har ingen diagramtype: " + sti_);
     std::string type = std::string(gruppe.name()).substr(c_.size());
     bool xy = type == "scatterChart" || type == "bubbleChart";
@@ -120,7 +114,7 @@ pugi::xml_node Diagramdel::horisontalAkse() const {
     for (pugi::xml_node id = gruppe.child(c("axId").c_str()); id; id = id.next_sibling(c("axId").c_str())) {
         std::string_view nr = id.attribute("val").value();
         for (pugi::xml_node akse = omrade.first_child(); akse; akse = akse.next_sibling()) {
-            if (!slutterPa(akse.name(), "Ax") || akse.child(c("axId").c_str()).attribute("val").value() != nr)
+            if (!std::string_view(akse.name()).ends_with("Ax") || akse.child(c("axId").c_str()).attribute("val").value() != nr)
                 continue;
             std::string navn = std::string(akse.name()).substr(c_.size());
             if (xy) {
@@ -148,14 +142,12 @@ void Diagramdel::settKategoriMinimum(double minimum) {
         min = ext ? skala.insert_child_before(c("min").c_str(), ext) : skala.append_child(c("min").c_str());
     }
     if (!min.attribute("val")) min.append_attribute("val");
-    min.attribute("val") = formel::tallTekst(minimum).c_str();
+    std::string tall;
+    formel::leggTilTall(tall, minimum);
+    min.attribute("val") = tall.c_str();
     endret_ = true;
 }
 
-std::string Diagramdel::skriv() const {
-    std::ostringstream ut;
-    doc_.save(ut, "", pugi::format_raw);
-    return ut.str();
-}
+std::string Diagramdel::skriv() const { return skrivXml(doc_); }
 
 } // namespace xlsx

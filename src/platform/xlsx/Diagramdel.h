@@ -17,7 +17,6 @@ public:
     void settTittel(const QString& tekst) override;
     void settKategoriMinimum(double minimum) override;
 
-    const std::string& sti() const { return sti_; }
     bool endret() const { return endret_; }
     std::string skriv() const;
 

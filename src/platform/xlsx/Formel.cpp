@@ -137,15 +137,6 @@ bool erOperand(const Token& t) {
            t.art == Token::Navn || t.art == Token::Arknavn;
 }
 
-std::string refTekst(int rad, int kol, bool fastRad, bool fastKol) {
-    std::string s;
-    if (fastKol) s += '$';
-    s += kolonneNavn(kol);
-    if (fastRad) s += '$';
-    s += std::to_string(rad);
-    return s;
-}
-
 // Writes the tokens back, references moved by (drad, dkol).
 std::string skrivTokens(const std::vector<Token>& tokens, int drad, int dkol) {
     std::string ut;
@@ -158,9 +149,8 @@ std::string skrivTokens(const std::vector<Token>& tokens, int drad, int dkol) {
         if (t.art == Token::Ref) {
             int rad = t.fastRad ? t.rad : t.rad + drad;
             int kol = t.fastKol ? t.kol : t.kol + dkol;
-            ut += (rad < 1 || rad > maksRad || kol < 1 || kol > maksKolonne)
-                      ? std::string("#REF!")
-                      : refTekst(rad, kol, t.fastRad, t.fastKol);
+            if (rad < 1 || rad > maksRad || kol < 1 || kol > maksKolonne) ut += "#REF!";
+            else leggTilAdresse(ut, rad, kol, t.fastRad, t.fastKol);
         } else if (t.art == Token::Navn) {
             for (char c : t.tekst) ut += (c >= 'a' && c <= 'z') ? char(c - 32) : c;
         } else {
@@ -400,7 +390,11 @@ bool tilTall(const Resultat& r, double& x, Resultat& feil) {
 
 std::string tilTekst(const Resultat& r) {
     switch (r.art) {
-    case Resultat::Tall: return tallTekst(r.tall);
+    case Resultat::Tall: {
+        std::string s;
+        leggTilTall(s, r.tall);
+        return s;
+    }
     case Resultat::Logisk: return r.tall != 0 ? "TRUE" : "FALSE";
     case Resultat::Tekst: return r.tekst;
     default: return {};
@@ -636,17 +630,14 @@ private:
 } // namespace
 
 namespace {
-std::shared_ptr<const Uttrykk> tolkTokens(std::vector<Token> tokens, int rad, int kolonne) {
+// Parses a formula text standing in cell (rad, kolonne).
+std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad, int kolonne) {
     auto u = std::make_shared<Uttrykk>();
-    Tolker t(std::move(tokens), *u, rad, kolonne);
+    Tolker t(lesTokens(formel), *u, rad, kolonne);
     u->rot = t.helhet();
     return u;
 }
 } // namespace
-
-std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad, int kolonne) {
-    return tolkTokens(lesTokens(formel), rad, kolonne);
-}
 
 Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne) {
     Beregner b(uttrykk, kilde, rad, kolonne);
@@ -658,9 +649,7 @@ constexpr size_t MaksICelle = 200000;
 std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad, int kolonne) {
     std::string& nokkel = nokkel_;
     auto tall = [&](int x, bool fast) {
-        char buf[16];
-        auto r = std::to_chars(buf, buf + sizeof buf, x);
-        nokkel.append(buf, r.ptr);
+        leggTilHeltall(nokkel, x);
         if (fast) nokkel += '$';
     };
     nokkel.assign(formel);
@@ -704,21 +693,29 @@ bool lesAdresse(std::string_view tekst, int& rad, int& kolonne) {
     return true;
 }
 
-std::string kolonneNavn(int kolonne) {
-    char buf[4];
+void leggTilAdresse(std::string& ut, int rad, int kolonne, bool fastRad, bool fastKolonne) {
+    if (fastKolonne) ut += '$';
+    char buf[8]; // the letters of any positive int
     int n = 0;
-    while (kolonne > 0 && n < 4) {
-        int r = (kolonne - 1) % 26;
-        buf[n++] = static_cast<char>('A' + r);
+    while (kolonne > 0) {
+        buf[n++] = static_cast<char>('A' + (kolonne - 1) % 26);
         kolonne = (kolonne - 1) / 26;
     }
-    return std::string(std::make_reverse_iterator(buf + n), std::make_reverse_iterator(buf));
+    while (n > 0) ut += buf[--n];
+    if (fastRad) ut += '$';
+    leggTilHeltall(ut, rad);
 }
 
-std::string tallTekst(double x) {
+void leggTilHeltall(std::string& ut, long x) {
+    char buf[24];
+    auto r = std::to_chars(buf, buf + sizeof buf, x);
+    ut.append(buf, r.ptr);
+}
+
+void leggTilTall(std::string& ut, double x) {
     char buf[32];
     auto r = std::to_chars(buf, buf + sizeof buf, x);
-    return std::string(buf, r.ptr);
+    ut.append(buf, r.ptr);
 }
 
 } // namespace xlsx::formel

@@ -38,19 +38,18 @@ public:
 
 struct Uttrykk; // the parsed form of one formula
 
-// Parses a formula text standing in cell (rad, kolonne); a leading "=" and blanks around
-// tokens are allowed, names are case-insensitive. Never throws: a text it cannot read
-// evaluates to #NAME?. References without "$" are kept relative to the cell, so one
-// parsed form serves every cell whose formula differs only by that position.
-std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad = 1, int kolonne = 1);
 // The value of a parsed formula in cell (rad, kolonne).
-Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad = 1, int kolonne = 1);
+Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne);
 
 // Parsed formulas by their position-independent form: a column of template formulas
 // that differ only by their row is parsed once. The same text in the same cell is found
 // without reading it again, so a template opened once per exported cycle is read once.
 class Tolkelager {
 public:
+    // The parsed form of a formula text standing in cell (rad, kolonne); a leading "=" and
+    // blanks around tokens are allowed, names are case-insensitive. Never throws: a text it
+    // cannot read evaluates to #NAME?. References without "$" are kept relative to the cell,
+    // so one parsed form serves every cell whose formula differs only by that position.
     std::shared_ptr<const Uttrykk> hent(std::string_view formel, int rad, int kolonne);
 
 private:
@@ -68,10 +67,12 @@ std::string flytt(std::string_view formel, int drad, int dkol);
 
 // "B12" / "$B$12" -> row 12, column 2; false when the text is no single cell address.
 bool lesAdresse(std::string_view tekst, int& rad, int& kolonne);
-// Column 2 -> "B", 27 -> "AA".
-std::string kolonneNavn(int kolonne);
-
-// Shortest text that reads back as the same double ("0.1", "1e-10", "230.5").
-std::string tallTekst(double x);
+// Appends the A1 address of a cell, "$" before the fixed parts: (12, 2) -> "B12", (12, 27) -> "AA12",
+// fixed row -> "B$12".
+void leggTilAdresse(std::string& ut, int rad, int kolonne, bool fastRad = false, bool fastKolonne = false);
+// Appends a whole number ("12", "-3").
+void leggTilHeltall(std::string& ut, long x);
+// Appends the shortest text that reads back as the same double ("0.1", "1e-10", "230.5").
+void leggTilTall(std::string& ut, double x);
 
 } // namespace xlsx::formel

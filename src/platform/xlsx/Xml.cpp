@@ -1,0 +1,70 @@
+#include "platform/xlsx/Xml.h"
+
+#include "platform/xlsx/Arbeidsbok.h"
+
+#include <cstring>
+#include <sstream>
+
+namespace xlsx {
+
+namespace {
+
+// Text of an element or attribute value, escaped for XML.
+void escape(std::string& ut, std::string_view s, bool attributt) {
+    size_t fra = 0;
+    for (size_t i = 0; i < s.size(); ++i) {
+        const char* erstatt = nullptr;
+        unsigned char c = static_cast<unsigned char>(s[i]);
+        switch (c) {
+        case '&': erstatt = "&amp;"; break;
+        case '<': erstatt = "&lt;"; break;
+        case '>': erstatt = "&gt;"; break;
+        case '"': erstatt = attributt ? "&quot;" : nullptr; break;
+        case '\t': case '\n': case '\r': break;
+        default:
+            if (c < 0x20) erstatt = ""; // not allowed in XML 1.0
+        }
+        if (!erstatt) continue;
+        ut.append(s.data() + fra, i - fra);
+        ut += erstatt;
+        fra = i + 1;
+    }
+    ut.append(s.data() + fra, s.size() - fra);
+}
+
+} // namespace
+
+void leggTilTekst(std::string& ut, std::string_view s) { escape(ut, s, false); }
+
+void leggTilAttributt(std::string& ut, std::string_view s) { escape(ut, s, true); }
+
+std::string_view lokaltNavn(const char* navn) {
+    const char* kolon = std::strrchr(navn, ':');
+    return kolon ? kolon + 1 : navn;
+}
+
+pugi::xml_node barn(pugi::xml_node n, std::string_view navn) {
+    for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
+        if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
+    return {};
+}
+
+std::string rentTekst(pugi::xml_node n) {
+    std::string s;
+    for (auto x : n.select_nodes(".//*[local-name()='t' and not(ancestor::*[local-name()='rPh'])]"))
+        s += x.node().child_value();
+    return s;
+}
+
+void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn) {
+    auto res = d.load_buffer(xml.data(), xml.size(), valg);
+    if (!res) throw XlsxFeil(medGrunn ? feil + " (" + res.description() + ")" : feil);
+}
+
+std::string skrivXml(const pugi::xml_document& d) {
+    std::ostringstream ut;
+    d.save(ut, "", pugi::format_raw);
+    return ut.str();
+}
+
+} // namespace xlsx

@@ -1,0 +1,34 @@
+// Small helpers for the XML of a workbook's parts, shared by the sheets, the charts and
+// the workbook: text escaped for XML, elements found whatever their namespace prefix,
+// a part read into a document and a document written back.
+#pragma once
+
+#include <pugixml.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace xlsx {
+
+// Parse options for a part that is written back as a document: its XML declaration is kept.
+constexpr unsigned medDeklarasjon = pugi::parse_default | pugi::parse_declaration;
+
+// Appends text as element content: & < > escaped, control characters XML 1.0 forbids left out.
+void leggTilTekst(std::string& ut, std::string_view s);
+// Appends text as an attribute value: escaped as element content, and " as well.
+void leggTilAttributt(std::string& ut, std::string_view s);
+
+// The name without its namespace prefix: "x:row" -> "row".
+std::string_view lokaltNavn(const char* navn);
+// The first child element with this local name; an empty node when there is none.
+pugi::xml_node barn(pugi::xml_node n, std::string_view navn);
+// The plain text of a string item or inline string: its <t> elements, phonetic hints (rPh) left out.
+std::string rentTekst(pugi::xml_node n);
+
+// Reads XML text into d; when it is not well-formed, XlsxFeil with the message feil,
+// followed by the parser's reason in brackets when medGrunn is set.
+void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn);
+// The document as the parts are written: raw, without indentation or added line breaks.
+std::string skrivXml(const pugi::xml_document& d);
+
+} // namespace xlsx
