@@ -31,7 +31,7 @@ std::optional<QString> Innlesing::les()
             for (bool ferdig = false; !ferdig;) {
                 Blokk& b = leser.neste();
                 if (!b.overskrift.isEmpty()) skrivKolonner(b.overskrift, b.overskriftLinje);
-                lager.settInn(b.rader.data(), b.antall);
+                lager.settInn(b.rader.data(), b.antall, b.tidFolgerId);
                 linjeNr_ = b.linjeNr;
                 behandlet_ = b.behandlet;
                 stopp = b.feil;

@@ -1,5 +1,7 @@
 #include "store/Lesetraad.h"
 
+#include <cstring>
+
 namespace store {
 
 namespace {
@@ -11,6 +13,7 @@ constexpr size_t VisteHopp = 10;  // skipped lines named in the notice
 void Tolker::fyll(Blokk& b)
 {
     b.antall = 0;
+    b.tidFolgerId = true;
     b.overskrift.clear();
     b.feil.reset();
     b.slutt = false;
@@ -31,7 +34,7 @@ void Tolker::fyll(Blokk& b)
                 if (const auto hopp = linje_.tolk(b.rader[static_cast<size_t>(b.antall)]))
                     noter(*hopp);
                 else
-                    ++b.antall;
+                    leggTil(b);
             }
         }
     } catch (const filer::FilFeil& e) {
@@ -54,6 +57,14 @@ std::optional<QString> Tolker::hoppetOver() const
     if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
         t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
     return t;
+}
+
+// Takes the row just read into the stretch.
+void Tolker::leggTil(Blokk& b)
+{
+    const Rad& rad = b.rader[static_cast<size_t>(b.antall++)];
+    if (std::memcmp(rad.datoTid, forrigeTid_, sizeof forrigeTid_) < 0) b.tidFolgerId = false;
+    std::memcpy(forrigeTid_, rad.datoTid, sizeof forrigeTid_);
 }
 
 void Tolker::noter(const Hopp& hopp)

@@ -23,6 +23,7 @@ struct Blokk {
     static constexpr int Linjer = 20 * db::Masseinnsetting::Bunt;
     std::array<Rad, Linjer> rader;
     int antall = 0;
+    bool tidFolgerId = true;  // no row has an earlier DatoTid than the row before it, in the stretch before too
     QStringList overskrift;  // cleaned header fields, in the stretch that holds the header
     int32_t overskriftLinje = 0;
     int32_t linjeNr = 0;     // lines read up to the end of this stretch, empty ones included
@@ -31,7 +32,8 @@ struct Blokk {
     bool slutt = false;
 };
 
-// Reads the lines and interprets them; it touches neither window nor store.
+// Reads the lines and interprets them, and notes whether the rows' time follows their order;
+// it touches neither window nor store.
 class Tolker {
 public:
     Tolker(filer::Linjeleser& leser, const QString& fil) : leser_(leser), fil_(fil) {}
@@ -42,6 +44,7 @@ public:
     std::optional<QString> hoppetOver() const;
 
 private:
+    void leggTil(Blokk& b);
     void noter(const Hopp& hopp);
 
     filer::Linjeleser& leser_;
@@ -51,6 +54,7 @@ private:
     int64_t behandlet_ = 0;
     int64_t antallHopp_ = 0;
     std::vector<QString> hopp_;  // the first ones, as the notice names them
+    char forrigeTid_[sizeof Rad::datoTid] = {};  // below every date-time before the first row
 };
 
 // The reader thread and the stretches passed between it and the store: the reader fills

@@ -1,7 +1,5 @@
 #include "store/Radlager.h"
 
-#include <cstring>
-
 namespace store {
 
 namespace {
@@ -10,23 +8,24 @@ namespace {
 const QString TomTabell = QStringLiteral("Delete from Datalinjer");
 // A row: the date-time and its text as read, then the values C to L.
 constexpr std::string_view SettInnRad = "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L)";
+constexpr int Tekstkolonner = 2, Verdikolonner = 10;
 
 } // namespace
 
 void tomDataLinjer(db::Database& d) { d.utfor(TomTabell); }
 
-Radlager::Radlager(db::Database& d) : db_(d), transaksjon_(d), innsetting_(d, SettInnRad, 2, Rad::Verdier) {}
-
-void Radlager::settInn(const Rad* rader, int antall)
+Radlager::Radlager(db::Database& d)
+    : db_(d), transaksjon_(d), innsetting_(d, SettInnRad, Tekstkolonner, Verdikolonner)
 {
-    verdier_.resize(static_cast<size_t>(antall));
-    for (int i = 0; i < antall; ++i) {
+}
+
+void Radlager::settInn(const Rad* rader, int antall, bool tidFolgerId)
+{
+    tidFolgerId_ = tidFolgerId_ && tidFolgerId;
+    innsetting_.settInn(static_cast<size_t>(antall), [rader](size_t i) {
         const Rad& rad = rader[i];
-        if (std::memcmp(rad.datoTid, forrigeTid_, sizeof forrigeTid_) < 0) tidFolgerId_ = false;
-        std::memcpy(forrigeTid_, rad.datoTid, sizeof forrigeTid_);
-        verdier_[static_cast<size_t>(i)] = {{rad.tid(), rad.tekst()}, rad.verdier, rad.antall};
-    }
-    innsetting_.settInn(verdier_);
+        return db::Masseinnsetting::Rad{{rad.tid(), rad.tekst()}, rad.verdier, rad.antall};
+    });
 }
 
 void Radlager::lagre()

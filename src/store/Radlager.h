@@ -5,8 +5,6 @@
 #include "platform/db/Masseinnsetting.h"
 #include "store/Radata.h"
 
-#include <vector>
-
 namespace store {
 
 // Empties DataLinjer, as the import does on the fresh copy of the template.
@@ -18,8 +16,9 @@ class Radlager {
 public:
     explicit Radlager(db::Database& d);
 
-    // DbFeil when the database refuses a row; the rows before it stay for lagre.
-    void settInn(const Rad* rader, int antall);
+    // tidFolgerId: whether no row has an earlier DatoTid than the row before it, the rows given
+    // before included. DbFeil when the database refuses a row; the rows before it stay for lagre.
+    void settInn(const Rad* rader, int antall, bool tidFolgerId);
     int64_t lagret() const { return innsetting_.lagret(); }
     // Commits the rows, with the store told whether their time follows their order.
     void lagre();
@@ -28,8 +27,6 @@ private:
     db::Database& db_;
     db::Transaksjon transaksjon_;
     db::Masseinnsetting innsetting_;
-    std::vector<db::Masseinnsetting::Rad> verdier_;
-    char forrigeTid_[sizeof Rad::datoTid] = {};  // below every date-time before the first row
     bool tidFolgerId_ = true;
 };
 

@@ -20,8 +20,13 @@ Masseinnsetting::~Masseinnsetting()
 
 void Masseinnsetting::settInn(std::span<const Rad> rader)
 {
-    for (size_t start = 0; start < rader.size(); start += Bunt)
-        send(rader.data() + start, static_cast<int>(std::min(rader.size() - start, size_t{Bunt})));
+    settInn(rader.size(), [rader](size_t i) { return rader[i]; });
+}
+
+void Masseinnsetting::settInn(size_t antall, const std::function<Rad(size_t)>& rad)
+{
+    for (size_t start = 0; start < antall; start += Bunt)
+        send(rad, start, static_cast<int>(std::min(antall - start, size_t{Bunt})));
 }
 
 Masseinnsetting::Setning& Masseinnsetting::setning(int rader)
@@ -39,11 +44,11 @@ Masseinnsetting::Setning& Masseinnsetting::setning(int rader)
     return s;
 }
 
-void Masseinnsetting::send(const Rad* rader, int antall)
+void Masseinnsetting::send(const std::function<Rad(size_t)>& kilde, size_t forste, int antall)
 {
     Setning& s = setning(antall);
     for (int r = 0; r < antall; ++r) {
-        const Rad& rad = rader[r];
+        const Rad rad = kilde(forste + static_cast<size_t>(r));
         if (rad.antallTall > tall_) throw DbFeil("Raden har flere tall enn innsettingen har kolonner");
         const int p = r * (tekster_ + tall_) + 1;
         for (int i = 0; i < tekster_; ++i) {

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ namespace db {
 class Masseinnsetting {
 public:
     static constexpr int Bunt = 50;
-    static constexpr int MaksTekster = 4;
+    static constexpr int MaksTekster = 2;
     static constexpr int MaksKolonner = 999 / Bunt;  // SQLite takes up to 999 parameters a statement
 
     // One row, read while settInn runs: its texts, then its numbers. A text without characters
@@ -40,6 +41,8 @@ public:
     // Stores the rows in their order. DbFeil when the database refuses a statement: the rows
     // sent before it stay, those of that statement and after it are not stored.
     void settInn(std::span<const Rad> rader);
+    // The same for `antall` rows that rad(i) gives one at a time, without a list of them.
+    void settInn(size_t antall, const std::function<Rad(size_t)>& rad);
     // Rows stored so far.
     int64_t lagret() const { return lagret_; }
 
@@ -50,7 +53,7 @@ private:
     };
 
     Setning& setning(int rader);
-    void send(const Rad* rader, int antall);
+    void send(const std::function<Rad(size_t)>& rad, size_t forste, int antall);
 
     Database& db_;
     const std::string innsetting_;
