@@ -7,13 +7,15 @@
 //                                      (time, CO2, formula) written by libxlsxwriter
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
-#include "platform/db/Database.h"
+#include "platform/db/Masseinnsetting.h"
 
 #include <QCoreApplication>
 #include <QStringList>
+#include <array>
 #include <cmath>
 #include <cstdio>
-#include <sqlite3.h>
+#include <string>
+#include <vector>
 #include <xlsxwriter.h>
 
 namespace {
@@ -51,32 +53,28 @@ int lagData(const QString& mappe)
 {
     db::Database d(mappe + QStringLiteral("/Data.mdb"));
     db::Transaksjon t(d);
-    sqlite3_stmt* inn = d.forbered("INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H)"
-                                   " VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    db::Masseinnsetting inn(d, "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H)", 2, 6);
     QStringList snupunkter;
     for (int s = 0; s < Sykluser; ++s) {
         const int64_t syklusStart = static_cast<int64_t>(s) * RaderPerSyklus * Steg;
         snupunkter << tidspunkt(syklusStart + SnuEtter).generellTekst();
+        std::vector<std::string> tekster;
+        std::vector<std::array<double, 6>> verdier;
         for (int r = 0; r < RaderPerSyklus; ++r) {
             const int sek = r * Steg;
             const vb::Dato tid = tidspunkt(syklusStart + sek);
             int aar, mnd, dag, time, min, sekund;
             tid.deler(aar, mnd, dag, time, min, sekund);
-            const QByteArray iso = tid.iso().toLatin1();
-            const QByteArray tekst = QString::asprintf("%04d/%02d/%02d ,%02d:%02d:%02d,1.", aar, mnd, dag, time, min,
-                                                       sekund).toLatin1();
-            sqlite3_bind_text(inn, 1, iso.constData(), -1, SQLITE_TRANSIENT);
-            sqlite3_bind_text(inn, 2, tekst.constData(), -1, SQLITE_TRANSIENT);
-            const double verdier[] = {kanalC(sek), 1e-12 * r, 3e-11, kanalF(sek), 5e-12, 7e-13};
-            for (int i = 0; i < 6; ++i) sqlite3_bind_double(inn, 3 + i, verdier[i]);
-            if (sqlite3_step(inn) != SQLITE_DONE) {
-                std::fprintf(stderr, "%s\n", sqlite3_errmsg(d.handle()));
-                return 1;
-            }
-            sqlite3_reset(inn);
+            tekster.push_back(tid.iso().toStdString());
+            tekster.push_back(QString::asprintf("%04d/%02d/%02d ,%02d:%02d:%02d,1.", aar, mnd, dag, time, min, sekund)
+                                  .toStdString());
+            verdier.push_back({kanalC(sek), 1e-12 * r, 3e-11, kanalF(sek), 5e-12, 7e-13});
         }
+        std::vector<db::Masseinnsetting::Rad> rader;
+        for (size_t r = 0; r < verdier.size(); ++r)
+            rader.push_back({{tekster[2 * r], tekster[2 * r + 1]}, verdier[r].data(), 6});
+        inn.settInn(rader);
     }
-    sqlite3_finalize(inn);
     t.fullfor();
     filer::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
     const char* const navn[] = {"Argon", "Nitrogen", "Oksygen", "CO2", "Vann", "Helium"};

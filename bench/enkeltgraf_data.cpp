@@ -4,14 +4,16 @@
 //   bench_enkeltgraf_data FOLDER [CYCLES ROWS]
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
-#include "platform/db/Database.h"
+#include "platform/db/Masseinnsetting.h"
 #include "store/Maledata.h"
 #include "store/Setninger.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <array>
 #include <cstdio>
-#include <sqlite3.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -56,31 +58,33 @@ int main(int argc, char** argv)
     const vb::Dato start = vb::Dato::fra(2012, 11, 23, 8);
     QStringList snupunkter;
     db::Transaksjon tr(db);
-    sqlite3_stmt* inn = db.forbered("insert into DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K) "
-                                    "values (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    db::Masseinnsetting inn(db, "insert into DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K)", 2, 9);
     for (int k = 0; k < sykluser; ++k) {
         const long long vindu = static_cast<long long>(k) * Avstand * 60;
         snupunkter << tid(start, vindu + Foran * 60).generellTekst();
+        std::vector<std::string> tekster;
+        std::vector<std::array<double, 9>> verdier;
         for (int r = 1; r <= rader; ++r) {
             const vb::Dato t = tid(start, vindu + 2LL * r);
-            const QByteArray iso = t.iso().toLatin1(), tekst = tidTekst(t).toLatin1();
-            QByteArray linje = QByteArray::number(k + 1) + ';' + tekst;
-            sqlite3_bind_text(inn, 1, iso.constData(), static_cast<int>(iso.size()), SQLITE_TRANSIENT);
-            sqlite3_bind_text(inn, 2, tekst.constData(), static_cast<int>(tekst.size()), SQLITE_TRANSIENT);
+            tekster.push_back(t.iso().toStdString());
+            tekster.push_back(tidTekst(t).toStdString());
+            QByteArray linje = QByteArray::number(k + 1) + ';' + QByteArray::fromStdString(tekster.back());
+            auto& v = verdier.emplace_back();
             for (int c = 0; c < 9; ++c) {
                 // Ion currents as the logger writes them: four significant digits.
                 char tall[32];
                 std::snprintf(tall, sizeof tall, "%.3E", (c + 1) * 1e-11 * (1.0 + 0.5 * ((r * (c + 3)) % 97) / 97.0));
-                sqlite3_bind_double(inn, 3 + c, std::strtod(tall, nullptr));
+                v[static_cast<size_t>(c)] = std::strtod(tall, nullptr);
                 linje += ';';
                 linje += tall;
             }
-            if (sqlite3_step(inn) != SQLITE_DONE) return 1;
-            sqlite3_reset(inn);
             csv.write(linje + '\n');
         }
+        std::vector<db::Masseinnsetting::Rad> radene;
+        for (size_t r = 0; r < verdier.size(); ++r)
+            radene.push_back({{tekster[2 * r], tekster[2 * r + 1]}, verdier[r].data(), 9});
+        inn.settInn(radene);
     }
-    sqlite3_finalize(inn);
     tr.fullfor();
 
     filer::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));

@@ -89,7 +89,6 @@ bool Linjeleser::fyll()
         ferdig_ = true;
         return false;
     }
-    lest_ += n;
     slutt_ += static_cast<size_t>(n);
     return true;
 }

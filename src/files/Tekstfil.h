@@ -40,8 +40,6 @@ public:
     // The next line without its line end, valid until the next call; false at the end.
     // FilFeil when reading fails half-way.
     bool neste(std::string_view& linje);
-    // Bytes consumed so far.
-    qint64 posisjon() const { return lest_ - static_cast<qint64>(slutt_ - start_); }
 
 private:
     bool fyll();
@@ -49,7 +47,6 @@ private:
     QFile fil_;
     std::vector<char> buf_;
     size_t start_ = 0, slutt_ = 0;
-    qint64 lest_ = 0;
     bool ferdig_ = false;
     bool hoppOverLf_ = false;
 };

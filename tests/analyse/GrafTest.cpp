@@ -1,9 +1,9 @@
 #include "app/FrmGraph.h"
 #include "analysis/Graf.h"
 #include "AnalyseFelles.h"
+#include "platform/db/Masseinnsetting.h"
 
 #include <QPushButton>
-#include <sqlite3.h>
 
 namespace {
 
@@ -17,9 +17,11 @@ protected:
     {
         db::Database d(mappe.sti(u"Data.mdb"_s));
         db::Transaksjon t(d);
-        sqlite3_stmt* s = d.forbered("INSERT INTO DataLinjer (DatoTid, C) VALUES ('2012-11-23 14:00:00', ?)");
-        for (; fylt < n; sqlite3_reset(s)) sqlite3_bind_double(s, 1, ++fylt * 1e-6), sqlite3_step(s);
-        sqlite3_finalize(s);
+        std::vector<double> c;
+        while (fylt < n) c.push_back(++fylt * 1e-6);
+        std::vector<db::Masseinnsetting::Rad> rader;
+        for (const double& x : c) rader.push_back({{"2012-11-23 14:00:00"}, &x, 1});
+        db::Masseinnsetting(d, "INSERT INTO DataLinjer (DatoTid, C)", 1, 1).settInn(rader);
         t.fullfor();
     }
     Vist vis()

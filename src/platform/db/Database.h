@@ -1,6 +1,7 @@
 // The measurement database on SQLCipher: one keyed connection, statements without
 // rows and record sets over select statements. Statement texts arrive in the
-// program's own dialect and are translated by JetDialekt before they run.
+// program's own dialect and are translated by JetDialekt before they run. Many rows
+// at once go in through Masseinnsetting.
 #pragma once
 
 #include "platform/vb/Vb.h"
@@ -47,8 +48,6 @@ public:
     Recordset spor(const QString& sql);
     // Runs a statement given in SQLite's own text, untranslated (schema, pragmas).
     void utforSqlite(const char* sql);
-    // A statement prepared once in SQLite's own text, for repeated use with bound values.
-    sqlite3_stmt* forbered(const char* sql);
 
     // Whether DatoTid never decreases from one ID to the next in this file. The import states it
     // for the rows it writes (kept in the file's user_version); the dialect then answers "order by
@@ -56,9 +55,14 @@ public:
     bool tidFolgerId() const { return tidFolgerId_; }
     void settTidFolgerId(bool folger);
 
-    sqlite3* handle() const { return db_; }
-
 private:
+    friend class Transaksjon;
+    friend class StortMellomlager;
+    friend class Masseinnsetting;
+
+    // A statement in SQLite's own text, prepared for repeated use with bound values.
+    sqlite3_stmt* forbered(const char* sql);
+    sqlite3* handle() const { return db_; }
     void apneFil(const QString& fil, int flagg);
     [[noreturn]] void kast(const QString& hva) const;
 

@@ -219,7 +219,7 @@ QString Dato::iso() const
     return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", y, mo, d, h, mi, s);
 }
 
-std::optional<Dato> Dato::fraIso(std::string_view t)
+std::optional<Dato> Dato::fraFastePlasser(std::string_view t)
 {
     if (t.size() < 19 || !sifreOk(t, {0, 1, 2, 3, 5, 6, 8, 9, 11, 12, 14, 15, 17, 18})) return std::nullopt;
     return gyldig(toSiffer(t, 0) * 100 + toSiffer(t, 2), toSiffer(t, 5), toSiffer(t, 8), toSiffer(t, 11),

@@ -69,7 +69,12 @@ public:
     QString tidsnokkel() const;
     // "YYYY-MM-DD HH:MM:SS", how the store keeps a date-time.
     QString iso() const;
-    static std::optional<Dato> fraIso(std::string_view tekst);
+    // Reads the store's date-time text, in the form iso writes.
+    static std::optional<Dato> fraIso(std::string_view tekst) { return fraFastePlasser(tekst); }
+    // The date-time whose digits stand at the places of "YYYY-MM-DD HH:MM:SS" from the start
+    // of the text; the characters between the digit pairs are not looked at. nullopt for a
+    // shorter text, a non-digit in a digit's place or no valid date and time of day.
+    static std::optional<Dato> fraFastePlasser(std::string_view tekst);
     // The general date-time text: "dd.MM.yyyy HH:mm:ss", the date alone at midnight,
     // the time alone on day zero. Also the format of SnuPunkter.txt.
     QString generellTekst() const;

@@ -1,0 +1,131 @@
+#include "store/Lesetraad.h"
+
+#include <cstring>
+
+namespace store {
+
+namespace {
+
+constexpr size_t VisteHopp = 10;  // skipped lines named in the notice
+
+} // namespace
+
+void Tolker::fyll(Blokk& b)
+{
+    b.antall = 0;
+    b.tidFolgerId = true;
+    b.overskrift.clear();
+    b.feil.reset();
+    b.slutt = false;
+    try {
+        for (int n = 0; n < Blokk::Linjer; ++n) {
+            std::string_view raa;
+            if (!leser_.neste(raa)) {
+                b.slutt = true;
+                break;
+            }
+            ++linjeNr_;
+            if (raa.empty()) continue;
+            linje_.les(raa);
+            if (behandlet_++ == 0) {
+                for (std::string_view f : linje_.felt()) b.overskrift << filer::latin1(f);
+                b.overskriftLinje = linjeNr_;
+            } else if (linje_.erDatalinje()) {
+                if (const auto hopp = linje_.tolk(b.rader[static_cast<size_t>(b.antall)]))
+                    noter(*hopp);
+                else
+                    leggTil(b);
+            }
+        }
+    } catch (const filer::FilFeil& e) {
+        b.feil = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.")
+                     .arg(linjeNr_ + 1)
+                     .arg(fil_, QString::fromStdString(e.what()));
+    }
+    b.linjeNr = linjeNr_;
+    b.behandlet = behandlet_;
+}
+
+std::optional<QString> Tolker::hoppetOver() const
+{
+    if (hopp_.empty()) return std::nullopt;
+    QString t = QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
+                               "ikke kan leses:")
+                    .arg(antallHopp_)
+                    .arg(fil_);
+    for (const QString& h : hopp_) t += QLatin1Char('\n') + h;
+    if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
+        t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
+    return t;
+}
+
+// Takes the row just read into the stretch.
+void Tolker::leggTil(Blokk& b)
+{
+    const Rad& rad = b.rader[static_cast<size_t>(b.antall++)];
+    if (std::memcmp(rad.datoTid, forrigeTid_, sizeof forrigeTid_) < 0) b.tidFolgerId = false;
+    std::memcpy(forrigeTid_, rad.datoTid, sizeof forrigeTid_);
+}
+
+void Tolker::noter(const Hopp& hopp)
+{
+    ++antallHopp_;
+    if (hopp_.size() < VisteHopp) hopp_.push_back(QStringLiteral("linje %1: ").arg(linjeNr_) + hoppTekst(hopp));
+}
+
+Lesetraad::Lesetraad(Tolker& tolker) : tolker_(tolker)
+{
+    for (auto& b : blokker_) ledige_.push_back(&b);
+    traad_ = std::thread([this] { kjor(); });
+}
+
+Lesetraad::~Lesetraad()
+{
+    {
+        std::lock_guard laas(mutex_);
+        stopp_ = true;
+    }
+    endret_.notify_all();
+    traad_.join();
+}
+
+Blokk& Lesetraad::neste()
+{
+    std::unique_lock laas(mutex_);
+    endret_.wait(laas, [this] { return !fulle_.empty(); });
+    Blokk* b = fulle_.front();
+    fulle_.pop_front();
+    return *b;
+}
+
+void Lesetraad::giTilbake(Blokk& b)
+{
+    {
+        std::lock_guard laas(mutex_);
+        ledige_.push_back(&b);
+    }
+    endret_.notify_all();
+}
+
+void Lesetraad::kjor()
+{
+    for (;;) {
+        Blokk* b = nullptr;
+        {
+            std::unique_lock laas(mutex_);
+            endret_.wait(laas, [this] { return stopp_ || !ledige_.empty(); });
+            if (stopp_) return;
+            b = ledige_.front();
+            ledige_.pop_front();
+        }
+        tolker_.fyll(*b);
+        {
+            std::lock_guard laas(mutex_);
+            fulle_.push_back(b);
+        }
+        endret_.notify_all();
+        if (b->slutt || b->feil) return;
+    }
+}
+
+} // namespace store

@@ -1,0 +1,33 @@
+// The import's side of the store: its statements on DataLinjer, and the rows it writes
+// there inside one transaction.
+#pragma once
+
+#include "platform/db/Masseinnsetting.h"
+#include "store/Radata.h"
+
+namespace store {
+
+// Empties DataLinjer, as the import does on the fresh copy of the template.
+void tomDataLinjer(db::Database& d);
+
+// Writes the rows of one import into DataLinjer. They are kept only once lagre has committed
+// them; the transaction is rolled back otherwise.
+class Radlager {
+public:
+    explicit Radlager(db::Database& d);
+
+    // tidFolgerId: whether no row has an earlier DatoTid than the row before it, the rows given
+    // before included. DbFeil when the database refuses a row; the rows before it stay for lagre.
+    void settInn(const Rad* rader, int antall, bool tidFolgerId);
+    int64_t lagret() const { return innsetting_.lagret(); }
+    // Commits the rows, with the store told whether their time follows their order.
+    void lagre();
+
+private:
+    db::Database& db_;
+    db::Transaksjon transaksjon_;
+    db::Masseinnsetting innsetting_;
+    bool tidFolgerId_ = true;
+};
+
+} // namespace store

@@ -1,0 +1,80 @@
+// Rows in bulk through db::Masseinnsetting, read back through the store's own select.
+#include "felles/Felles.h"
+#include "platform/db/Masseinnsetting.h"
+
+#include <QStringList>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Rad = db::Masseinnsetting::Rad;
+
+// Every row as "DatoTid|DatoTid_Tekst|C ... L", "-" for NULL.
+QStringList radene(db::Database& d)
+{
+    QStringList ut;
+    for (auto p = d.spor(u"Select * from DataLinjer order by ID"_s); !p.eof(); p.moveNext()) {
+        QStringList v{p.erNull("DatoTid_Tekst") ? u"-"_s : p.tekst("DatoTid_Tekst")};
+        for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
+            v << (p.erNull(k) ? u"-"_s : QString::number(p.tall(k)));
+        ut << p.tekst("DatoTid") + '|' + v.join(' ');
+    }
+    return ut;
+}
+
+TEST(Masseinnsetting, RaderMedTommeFeltIBunterOgRest)
+{
+    test::Programmappe mappe;
+    db::Database d(mappe.sti(u"Data.mdb"_s));
+    db::Masseinnsetting inn(d, "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L)", 2, 10);
+    const double tall[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    // Two full statements and a rest of 7, then one full and the rest again: a row that has fewer
+    // numbers than the row before it in the same place of a statement gets NULL, not the old value.
+    const int runder[][2] = {{2 * db::Masseinnsetting::Bunt + 7, 10}, {db::Masseinnsetting::Bunt + 7, 0}};
+    QStringList ventet;
+    for (const auto& [antall, bredde] : runder) {
+        std::vector<std::string> tider;
+        for (int r = 0; r < antall; ++r)
+            tider.push_back(QString::asprintf("2012-11-23 14:%02d:%02d", r / 60, r % 60).toStdString());
+        std::vector<Rad> rader;
+        for (int r = 0; r < antall; ++r) {
+            const int n = (r + bredde) % 11;  // 0 to 10 numbers, in turn
+            rader.push_back({{tider[static_cast<size_t>(r)], r % 2 ? "tekst" : std::string_view()}, tall, n});
+            QStringList v{r % 2 ? u"tekst"_s : u"-"_s};
+            for (int i = 0; i < 10; ++i) v << (i < n ? QString::number(tall[i]) : u"-"_s);
+            ventet << QString::fromStdString(tider[static_cast<size_t>(r)]) + '|' + v.join(' ');
+        }
+        inn.settInn(rader);
+    }
+    EXPECT_EQ(inn.lagret(), 164);
+    EXPECT_EQ(radene(d), ventet);
+}
+
+TEST(Masseinnsetting, AvvistSetningBeholderRadeneFoer)
+{
+    test::Programmappe mappe;
+    db::Database d(mappe.sti(u"Data.mdb"_s));
+    d.utforSqlite("CREATE TABLE Liten (ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT, C REAL CHECK (C < 60))");
+    db::Masseinnsetting inn(d, "INSERT INTO Liten (DatoTid, C)", 1, 1);
+    std::vector<double> c(70);
+    std::vector<Rad> rader;
+    for (size_t i = 0; i < c.size(); ++i) {
+        c[i] = static_cast<double>(i);
+        rader.push_back({{"2012-11-23 14:00:00"}, &c[i], 1});
+    }
+    try {
+        inn.settInn(rader);
+        ADD_FAILURE() << "row 60 breaks the check";
+    } catch (const db::DbFeil& e) {
+        EXPECT_TRUE(QString::fromStdString(e.what()).startsWith(u"Databasen "_s + mappe.sti(u"Data.mdb"_s) + u" avviste raden: "_s))
+            << e.what();
+    }
+    EXPECT_EQ(inn.lagret(), db::Masseinnsetting::Bunt);
+    EXPECT_EQ(d.spor(u"Select count(*) as n from Liten"_s).tall("n"), db::Masseinnsetting::Bunt);
+    // More columns than a statement of Bunt rows has parameters for.
+    EXPECT_THROW(db::Masseinnsetting(d, "INSERT INTO Liten (C)", 0, db::Masseinnsetting::MaksKolonner + 1), db::DbFeil);
+}
+
+} // namespace
