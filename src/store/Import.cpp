@@ -55,7 +55,7 @@ Utfall avvis(Kontekst& k, const QString& grunn)
 
 Utfall Command2_Click(Kontekst& k)
 {
-    const QString fil = k.dialogs.velgFil(CsvFilter);
+    const QString fil = k.dialogs.velgFil(SporFil.tekst);
     k.vindu.behandleHendelser();
     if (fil.isEmpty()) {
         VisAntallPoster(k);
@@ -68,8 +68,7 @@ Utfall Command2_Click(Kontekst& k)
         opptatt.reset();
         return avvis(k, *nei + Uendret);
     }
-    if (!k.dialogs.sporJaNei(QStringLiteral("Fila ") + fil + QStringLiteral(" består av ") +
-                             vb::antallTekst(oversikt.linjer) + QStringLiteral(" linjer. Vil du starte importen?")))
+    if (!k.dialogs.sporJaNei(SporImport.tekst.arg(fil, vb::antallTekst(oversikt.linjer))))
         return Utfall::Ferdig;
 
     std::optional<filer::Linjeleser> leser;

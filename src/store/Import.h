@@ -9,10 +9,8 @@
 
 namespace store {
 
-inline const QString CsvFilter = QStringLiteral("CSV-filer (*.CSV)|*.CSV");
-
-// The import's questions: the file, then whether to start.
-inline const ui::Sporsmal SporFil{ui::Sporsmal::Art::Fil, CsvFilter};
+// The import's questions: the file (the dialog's filter), then whether to start.
+inline const ui::Sporsmal SporFil{ui::Sporsmal::Art::Fil, QStringLiteral("CSV-filer (*.CSV)|*.CSV")};
 inline const ui::Sporsmal SporImport{ui::Sporsmal::Art::JaNei,
                                      QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
 

@@ -2,7 +2,7 @@
 
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
-#include "store/Radlager.h"
+#include "store/Setninger.h"
 
 #include <QFile>
 #include <filesystem>
@@ -22,7 +22,7 @@ std::optional<QString> erstattDatabase(Kontekst& k)
     QFile::setPermissions(ny, QFile::permissions(ny) | QFileDevice::WriteOwner);
     try {
         db::Database tom(ny);
-        tomDataLinjer(tom);
+        tomTabell(tom);
     } catch (const db::DbFeil& e) {
         QFile::remove(ny);
         return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, QString::fromStdString(e.what())) +

@@ -1,21 +1,11 @@
 #include "store/Radlager.h"
 
+#include "store/Setninger.h"
+
 namespace store {
 
-namespace {
-
-// The import's statements on DataLinjer.
-const QString TomTabell = QStringLiteral("Delete from Datalinjer");
-// A row: the date-time and its text as read, then the values C to L.
-constexpr std::string_view SettInnRad = "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L)";
-constexpr int Tekstkolonner = 2, Verdikolonner = 10;
-
-} // namespace
-
-void tomDataLinjer(db::Database& d) { d.utfor(TomTabell); }
-
 Radlager::Radlager(db::Database& d)
-    : db_(d), transaksjon_(d), innsetting_(d, SettInnRad, Tekstkolonner, Verdikolonner)
+    : db_(d), transaksjon_(d), innsetting_(d, RadInnsetting, RadTekster, RadVerdier)
 {
 }
 

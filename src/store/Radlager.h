@@ -1,14 +1,10 @@
-// The import's side of the store: its statements on DataLinjer, and the rows it writes
-// there inside one transaction.
+// The rows one import writes into DataLinjer, inside one transaction.
 #pragma once
 
 #include "platform/db/Masseinnsetting.h"
 #include "store/Radata.h"
 
 namespace store {
-
-// Empties DataLinjer, as the import does on the fresh copy of the template.
-void tomDataLinjer(db::Database& d);
 
 // Writes the rows of one import into DataLinjer. They are kept only once lagre has committed
 // them; the transaction is rolled back otherwise.

@@ -7,6 +7,7 @@
 #include "platform/db/Database.h"
 
 #include <optional>
+#include <string_view>
 
 namespace store {
 
@@ -18,6 +19,11 @@ void lagTomDatabase(const QString& fil);
 void apneMaledata(db::Database& tilkobling, const QString& fil);
 // "Delete from Datalinjer": empties the table of a fresh copy of the template.
 void tomTabell(db::Database& d);
+// The import's insert of a row: DatoTid and DatoTid_Tekst as read, then the values C to L
+// (db::Masseinnsetting sends many rows in one statement).
+inline constexpr std::string_view RadInnsetting =
+    "INSERT INTO DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I, J, K, L)";
+inline constexpr int RadTekster = 2, RadVerdier = 10;
 
 // ------------------------------------------------------------------ the statement texts
 
