@@ -83,9 +83,9 @@ void fyll(const QString& mappe, long long linjer)
     t.fullfor();
     QString kolonner;
     for (int k = 0; k < 6; ++k)
-        kolonner += filer::kolonneLinje(QString::fromLatin1(Kanaler[k]), filer::kolonneBokstav(3 + k)) + "\r\n";
+        kolonner += files::kolonneLinje(QString::fromLatin1(Kanaler[k]), files::kolonneBokstav(3 + k)) + "\r\n";
     QFile f(mappe + QStringLiteral("/Kolonner.txt"));
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) throw filer::FilFeil("kan ikke skrive Kolonner.txt");
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) throw files::FilFeil("kan ikke skrive Kolonner.txt");
     f.write(kolonner.toLatin1());
 }
 
@@ -118,11 +118,11 @@ double fullLesing(const QString& data, const QString& K, long long& rader)
 }
 
 // Cycle finding through the real command: start 50 minutes, the proposed threshold, answer No.
-double syklusfinning(Form1& f, ui::SkriptDialogs& d, QString& resultat)
+double syklusfinning(app::Form1& f, dialogs::SkriptDialogs& d, QString& resultat)
 {
     d.svar(QStringLiteral("50"));
-    d.svar(ui::SkriptDialogs::Forslag{});
-    d.svar(ui::Svar::Nei);
+    d.svar(dialogs::SkriptDialogs::Forslag{});
+    d.svar(dialogs::Svar::Nei);
     QElapsedTimer t;
     t.start();
     f.Command7_Click();
@@ -140,10 +140,10 @@ int mal(const QString& mappe)
         for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
             d.utforSqlite(("DROP INDEX IF EXISTS DataLinjer_Tid_" + std::string(k)).c_str());
     }
-    ui::SkriptDialogs dialogs;
-    Form1 f(mappe, dialogs);
+    dialogs::SkriptDialogs dialogs;
+    app::Form1 f(mappe, dialogs);
     f.velgAdsorpsjon(true);
-    const QString K = filer::HentKode(f.kolonneTekst());
+    const QString K = files::HentKode(f.kolonneTekst());
 
     long long rader = 0;
     fullLesing(data, K, rader);  // warms the file cache

@@ -76,11 +76,11 @@ int lagData(const QString& mappe)
         inn.settInn(rader);
     }
     t.fullfor();
-    filer::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
+    files::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
     const char* const navn[] = {"Argon", "Nitrogen", "Oksygen", "CO2", "Vann", "Helium"};
     QStringList linjer;
-    for (int i = 0; i < 6; ++i) linjer << filer::kolonneLinje(QLatin1String(navn[i]), filer::kolonneBokstav(i + 3));
-    filer::SkrivTilFil(mappe + QStringLiteral("/Kolonner.txt"), linjer.join(QStringLiteral("\r\n")));
+    for (int i = 0; i < 6; ++i) linjer << files::kolonneLinje(QLatin1String(navn[i]), files::kolonneBokstav(i + 3));
+    files::SkrivTilFil(mappe + QStringLiteral("/Kolonner.txt"), linjer.join(QStringLiteral("\r\n")));
     return 0;
 }
 

@@ -87,14 +87,14 @@ int main(int argc, char** argv)
     }
     tr.fullfor();
 
-    filer::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
+    files::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
     QStringList kolonner;
     for (int c = 0; c < 9; ++c)
-        kolonner << filer::kolonneLinje(QStringLiteral("Masse %1").arg(c + 12), QString(QLatin1Char('C' + c)));
-    QFile kol(mappe + QLatin1Char('/') + filer::KolonnerFil);
+        kolonner << files::kolonneLinje(QStringLiteral("Masse %1").arg(c + 12), QString(QLatin1Char('C' + c)));
+    QFile kol(mappe + QLatin1Char('/') + files::KolonnerFil);
     if (!kol.open(QIODevice::WriteOnly | QIODevice::Truncate)) return 1;
     kol.write(kolonner.join(QStringLiteral("\r\n")).toLatin1() + "\r\n");
-    filer::SkrivTilFil(mappe + QLatin1Char('/') + filer::OppsettFil,
+    files::SkrivTilFil(mappe + QLatin1Char('/') + files::OppsettFil,
                        QStringLiteral("1!%1!150!10!%2!%3").arg(sykluser).arg(Foran).arg(Etter));
     return 0;
 }

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <vector>
 
-namespace analyse
+namespace analysis
 {
 
 namespace
@@ -65,13 +65,13 @@ Utfall sokAutomatisk(Kontekst& k)
     const float X = vb::enkel(k.dialogs.inndata(SporStart, QStringLiteral("230")));
     const int16_t onsket = vb::heltall16(k.dialogs.inndata(SporAntallSykluser, QStringLiteral("30")));
     k.vindu.behandleHendelser();
-    std::optional<ui::Opptatt> opptatt(std::in_place, k.vindu);
+    std::optional<dialogs::Opptatt> opptatt(std::in_place, k.vindu);
 
     const auto start = store::forsteRad(k.tilkobling);
     if (!start) return Utfall::Avvist;
     const vb::Dato dataStartTid = start->dato("DatoTid");
     const vb::Dato sokStart = dataStartTid.leggTilMinutter(X);
-    const QString K = filer::HentKode(k.vindu.kolonneTekst());
+    const QString K = files::HentKode(k.vindu.kolonneTekst());
     // The searched column's own first value sizes the step: the level the signal starts from.
     const float R = store::HentVerdi(K, *start);
     const auto lager = store::forberedSok(k.tilkobling, K);
@@ -101,10 +101,10 @@ Utfall sokAutomatisk(Kontekst& k)
     if (foreslaVerdier(k, N, QStringLiteral("mindre"), vb::tekst(valgt->T), F, M, I)) {
         // One turning point per group, so that the exports find every cycle counted in Text6.
         std::vector<vb::Dato> S;
-        const ui::Opptatt skriver(k.vindu);
+        const dialogs::Opptatt skriver(k.vindu);
         for (const Gruppe& g : grupper)
             S.push_back(store::snuPunkt(k.tilkobling, g.start, g.slutt, k.vindu.adsorpsjon(), K));
-        filer::skrivSnuPunkter(k, S);
+        files::skrivSnuPunkter(k, S);
     }
     return Utfall::Ferdig;
 }
@@ -125,4 +125,4 @@ Utfall Command11_Click(Kontekst& k)
     }
 }
 
-} // namespace analyse
+} // namespace analysis

@@ -5,13 +5,13 @@
 
 #include "platform/Kontekst.h"
 
-namespace analyse
+namespace analysis
 {
 
-inline const ui::Sporsmal SporAntallSykluser{ui::Sporsmal::Art::Inndata, QStringLiteral("Antall sykluser som skal brukes"),
+inline const dialogs::Sporsmal SporAntallSykluser{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Antall sykluser som skal brukes"),
                                              QStringLiteral("Antall sykluser:")};
 
 // Button "Automatisk søking" (hidden in the window).
 Utfall Command11_Click(Kontekst& k);
 
-} // namespace analyse
+} // namespace analysis

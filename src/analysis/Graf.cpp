@@ -5,7 +5,7 @@
 #include "store/Maledata.h"
 #include "store/Setninger.h"
 
-namespace analyse
+namespace analysis
 {
 
 int32_t provesteg(int32_t rader)
@@ -19,9 +19,9 @@ Utfall Command8_Click(Kontekst& k)
         k.dialogs.info(IngenData);
         return Utfall::Avvist;
     }
-    const ui::Opptatt opptatt(k.vindu);
-    const QString K = filer::HentKode(k.vindu.kolonneTekst());
-    ui::Graf graf{k.vindu.kolonneTekst().simplified(), 0, {}};
+    const dialogs::Opptatt opptatt(k.vindu);
+    const QString K = files::HentKode(k.vindu.kolonneTekst());
+    dialogs::Graf graf{k.vindu.kolonneTekst().simplified(), 0, {}};
     try {
         auto poster = store::kolonne(k.tilkobling, K);
         if (poster.eof()) {
@@ -53,4 +53,4 @@ Utfall Command8_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace analyse
+} // namespace analysis

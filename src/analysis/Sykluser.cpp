@@ -4,7 +4,7 @@
 #include "files/Tekstfil.h"
 #include "store/Setninger.h"
 
-namespace analyse
+namespace analysis
 {
 
 namespace
@@ -35,18 +35,18 @@ namespace
 Utfall finnSykluser(Kontekst& k)
 {
     const float X = vb::enkel(k.dialogs.inndata(SporStart, QStringLiteral("50")));
-    const ui::Opptatt opptatt(k.vindu);
+    const dialogs::Opptatt opptatt(k.vindu);
     k.vindu.behandleHendelser();
 
     const auto start = store::forsteRad(k.tilkobling);
     if (!start) return Utfall::Avvist;
     const vb::Dato dataStartTid = start->dato("DatoTid");
     const vb::Dato sokStart = dataStartTid.leggTilMinutter(X);
-    const QString K = filer::HentKode(k.vindu.kolonneTekst());
+    const QString K = files::HentKode(k.vindu.kolonneTekst());
     const auto lager = store::forberedSok(k.tilkobling, K);
     const std::optional<double> Minimum = store::minimum(k.tilkobling, K, sokStart);
 
-    filer::slettSnuPunkter(k);
+    files::slettSnuPunkter(k);
 
     // Without a row after the search start there is no minimum to show or to propose.
     const QString minTekst = Minimum ? vb::tekst(*Minimum) : QString();
@@ -82,7 +82,7 @@ Utfall finnSykluser(Kontekst& k)
     const QString W = ads ? QStringLiteral("mindre") : QStringLiteral("større");
     const int64_t M = vb::minutterMellom(dataStartTid, F);
     foreslaVerdier(k, N, W, vb::tekst(V), F, M, I);
-    filer::skrivSnuPunkter(k, S);
+    files::skrivSnuPunkter(k, S);
     return Utfall::Ferdig;
 }
 
@@ -103,4 +103,4 @@ Utfall Command7_Click(Kontekst& k)
     }
 }
 
-} // namespace analyse
+} // namespace analysis

@@ -5,19 +5,19 @@
 
 #include "platform/Kontekst.h"
 
-namespace analyse
+namespace analysis
 {
 
 inline const QString IngenData = QStringLiteral("Ingen data importert");
 
 // The questions of the cycle searches.
-inline const ui::Sporsmal SporStart{ui::Sporsmal::Art::Inndata, QStringLiteral("Start søking etter X minutter"),
+inline const dialogs::Sporsmal SporStart{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Start søking etter X minutter"),
                                     QStringLiteral("Start søking")};
-inline const ui::Sporsmal SporTerskel{
-    ui::Sporsmal::Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi søkeverdien som skal brukes under:"),
+inline const dialogs::Sporsmal SporTerskel{
+    dialogs::Sporsmal::Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi søkeverdien som skal brukes under:"),
     QStringLiteral("Minste verdi")};
-inline const ui::Sporsmal SporForslag{
-    ui::Sporsmal::Art::JaNei,
+inline const dialogs::Sporsmal SporForslag{
+    dialogs::Sporsmal::Art::JaNei,
     QStringLiteral("Det ble funnet %1 sykluser. Den første syklusen med en verdi %2 enn %3 er ved tidspunktet %4 "
                    "(%5 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. %6 minutter. "
                    "Vil du sette inn disse verdiene som valg i oppsettet?")};
@@ -33,4 +33,4 @@ bool erGap(const vb::Dato& forrige, const vb::Dato& neste);
 bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
                     int64_t I);
 
-} // namespace analyse
+} // namespace analysis

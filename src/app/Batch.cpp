@@ -23,11 +23,11 @@
 #include <functional>
 #include <optional>
 
-namespace batch {
+namespace app {
 
 namespace {
 
-using ui::SkriptDialogs;
+using dialogs::SkriptDialogs;
 
 struct BrukFeil {
     QString tekst;
@@ -74,7 +74,7 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
 {
     a.ferdig();
     QString ut = f.tittel() + QLatin1Char('\n');
-    for (const ui::Innstilling& i : ui::Innstillinger)
+    for (const dialogs::Innstilling& i : dialogs::Innstillinger)
         ut += QLatin1String(i.navn) + QLatin1Char('=') + f.tekst(i.boks) + QLatin1Char('\n');
     const QStringList kolonner = f.kolonner();
     for (int i = 0; i < kolonner.size(); ++i)
@@ -92,24 +92,24 @@ SkriptDialogs::Svaret ellerForslag(const std::optional<QString>& v)
 }
 
 // Answers the search-start question, the command's own second question and the final one.
-Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, const ui::Sporsmal& andre,
+Utfall sok(Form1& f, Argumenter& a, SkriptDialogs& d, const QString& andreValg, const dialogs::Sporsmal& andre,
            Utfall (Form1::*kommando)())
 {
-    d.svar(analyse::SporStart, a.paakrevd(QStringLiteral("--start")));
+    d.svar(analysis::SporStart, a.paakrevd(QStringLiteral("--start")));
     d.svar(andre, ellerForslag(a.verdi(andreValg)));
-    d.svar(analyse::SporForslag, a.flagg(QStringLiteral("--apply")) ? ui::Svar::Ja : ui::Svar::Nei);
+    d.svar(analysis::SporForslag, a.flagg(QStringLiteral("--apply")) ? dialogs::Svar::Ja : dialogs::Svar::Nei);
     a.ferdig();
     return (f.*kommando)();
 }
 
 Utfall finnSykluser(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--threshold"), analyse::SporTerskel, &Form1::Command7_Click);
+    return sok(f, a, d, QStringLiteral("--threshold"), analysis::SporTerskel, &Form1::Command7_Click);
 }
 
 Utfall automatiskSoking(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    return sok(f, a, d, QStringLiteral("--cycles"), analyse::SporAntallSykluser, &Form1::Command11_Click);
+    return sok(f, a, d, QStringLiteral("--cycles"), analysis::SporAntallSykluser, &Form1::Command11_Click);
 }
 
 Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
@@ -131,25 +131,25 @@ Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
 }
 
 // Yes to the export question, then the prefix; or No with --no. Takes the last arguments.
-bool svarEksport(Argumenter& a, SkriptDialogs& d, const ui::Sporsmal& sporsmal)
+bool svarEksport(Argumenter& a, SkriptDialogs& d, const dialogs::Sporsmal& sporsmal)
 {
     const bool nei = a.flagg(QStringLiteral("--no"));
     const auto prefiks = a.verdi(QStringLiteral("--prefix"));
     a.ferdig();
     if (nei) {
-        d.svar(sporsmal, ui::Svar::Nei);
+        d.svar(sporsmal, dialogs::Svar::Nei);
         return false;
     }
     if (!prefiks) throw BrukFeil{QStringLiteral("--prefix må oppgis")};
-    d.svar(sporsmal, ui::Svar::Ja);
-    d.svar(eksport::SporPrefiks, *prefiks);
+    d.svar(sporsmal, dialogs::Svar::Ja);
+    d.svar(exports::SporPrefiks, *prefiks);
     return true;
 }
 
 Utfall exportCombined(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
     const auto periode = a.verdi(QStringLiteral("--period"));
-    if (svarEksport(a, d, eksport::SporSamlefil)) d.svar(eksport::SporPeriode, ellerForslag(periode));
+    if (svarEksport(a, d, exports::SporSamlefil)) d.svar(exports::SporPeriode, ellerForslag(periode));
     return f.Command5_Click();
 }
 
@@ -157,16 +157,16 @@ Utfall integrate(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
     const auto foer = a.verdi(QStringLiteral("--before"));
     const auto etter = a.verdi(QStringLiteral("--after"));
-    if (svarEksport(a, d, eksport::SporEnkeltfiler)) {
-        d.svar(eksport::SporMinutterFor, ellerForslag(foer));
-        d.svar(eksport::SporMinutterEtter, ellerForslag(etter));
+    if (svarEksport(a, d, exports::SporEnkeltfiler)) {
+        d.svar(exports::SporMinutterFor, ellerForslag(foer));
+        d.svar(exports::SporMinutterEtter, ellerForslag(etter));
     }
     return f.Command12_Click();
 }
 
 Utfall eksportEnkelt(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    svarEksport(a, d, eksport::SporEnkeltfiler);
+    svarEksport(a, d, exports::SporEnkeltfiler);
     return f.Command3_Click();
 }
 
@@ -175,7 +175,7 @@ Utfall redigerTittel(Form1& f, Argumenter& a, SkriptDialogs& d)
     const bool enkelt = a.flagg(QStringLiteral("--single"));
     const bool samle = a.flagg(QStringLiteral("--combined"));
     if (enkelt == samle) throw BrukFeil{QStringLiteral("Oppgi enten --single eller --combined")};
-    d.svar(eksport::SporTittel, a.paakrevd(QStringLiteral("--title")));
+    d.svar(exports::SporTittel, a.paakrevd(QStringLiteral("--title")));
     a.ferdig();
     return enkelt ? f.Command9_Click() : f.Command4_Click();
 }
@@ -191,7 +191,7 @@ Utfall import(Form1& f, Argumenter& a, SkriptDialogs& d)
     const bool nei = a.flagg(QStringLiteral("--no"));
     d.svar(store::SporFil, QFileInfo(a.posisjon(QStringLiteral("FILE"))).absoluteFilePath());
     a.ferdig();
-    d.svar(store::SporImport, nei ? ui::Svar::Nei : ui::Svar::Ja);
+    d.svar(store::SporImport, nei ? dialogs::Svar::Nei : dialogs::Svar::Ja);
     return f.Command2_Click();
 }
 
@@ -218,7 +218,7 @@ const char* const Bruk =
 
 struct Globalt {
     QString mappe;
-    QList<std::pair<ui::Boks, QString>> sett;
+    QList<std::pair<dialogs::Boks, QString>> sett;
     std::optional<QString> kolonne;
     std::optional<bool> adsorpsjon;
     bool lagre = false;
@@ -242,9 +242,9 @@ Globalt lesGlobalt(const QStringList& args)
         } else if (a == QLatin1String("--set")) {
             const QString v = neste(a);
             const qsizetype lik = v.indexOf(QLatin1Char('='));
-            const auto boks = std::find_if(std::begin(ui::Innstillinger), std::end(ui::Innstillinger),
-                                           [&](const ui::Innstilling& i) { return v.left(lik) == QLatin1String(i.navn); });
-            if (lik < 0 || boks == std::end(ui::Innstillinger))
+            const auto boks = std::find_if(std::begin(dialogs::Innstillinger), std::end(dialogs::Innstillinger),
+                                           [&](const dialogs::Innstilling& i) { return v.left(lik) == QLatin1String(i.navn); });
+            if (lik < 0 || boks == std::end(dialogs::Innstillinger))
                 throw BrukFeil{QStringLiteral("--set venter TextN=VERDI med N 1 til 6, ikke ") + v};
             g.sett.append({boks->boks, v.mid(lik + 1)});
         } else if (a == QLatin1String("--column")) {
@@ -273,7 +273,7 @@ void brukGlobalt(Form1& f, const Globalt& g)
         const QStringList kolonner = f.kolonner();
         qsizetype funnet = -1;
         for (qsizetype i = 0; i < kolonner.size() && funnet < 0; ++i)
-            if (filer::HentKode(kolonner[i]) == *g.kolonne) funnet = i;
+            if (files::HentKode(kolonner[i]) == *g.kolonne) funnet = i;
         if (funnet < 0) throw BrukFeil{QStringLiteral("Ingen kolonne har bokstaven ") + *g.kolonne};
         f.velgKolonne(static_cast<int>(funnet));
     }
@@ -295,7 +295,7 @@ void sikreKjoremappe()
 
 } // namespace
 
-int kjor(int argc, char** argv)
+int kjorBatch(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     sikreKjoremappe();
@@ -323,10 +323,10 @@ int kjor(int argc, char** argv)
     } catch (const BrukFeil& f) {
         std::fprintf(stderr, "%s\n%s", f.tekst.toUtf8().constData(), Bruk);
         return 2;
-    } catch (const ui::UbesvartSporsmal& s) {
+    } catch (const dialogs::UbesvartSporsmal& s) {
         std::fprintf(stderr, "Argumentene svarer ikke på spørsmålet: %s\n", s.sporsmal.toUtf8().constData());
         return 2;
     }
 }
 
-} // namespace batch
+} // namespace app

@@ -9,8 +9,8 @@
 // 2 usage error or a question the arguments do not answer.
 #pragma once
 
-namespace batch {
+namespace app {
 
-int kjor(int argc, char** argv);
+int kjorBatch(int argc, char** argv);
 
-} // namespace batch
+} // namespace app

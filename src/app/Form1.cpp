@@ -74,7 +74,9 @@ QLineEdit* settingBoks(QWidget* eier, const char* navn, const QString& tekst, in
 
 } // namespace
 
-Form1::Form1(const QString& mappe, ui::Dialogs& dialogs, QWidget* parent)
+namespace app {
+
+Form1::Form1(const QString& mappe, dialogs::Dialogs& dialogs, QWidget* parent)
     : QWidget(parent), k_{mappe, Versjon, tilkobling_, *this, dialogs}
 {
     byggKontroller();
@@ -130,13 +132,13 @@ void Form1::byggKontroller()
         {"Label6", 360, 270, 5040, 375},   {nullptr, 0, 270, 5760, 375},      {"Label7", 720, 720, 5040, 1095},
         {"Label5", 1080, 1080, 5040, 1095}, {"Label1", 1440, 1440, 5040, 1095}, {"Label2", 1800, 1800, 5040, 1095}};
     for (size_t i = 0; i < bokser_.size(); ++i) {
-        const ui::Innstilling& innstilling = ui::Innstillinger[i];
+        const dialogs::Innstilling& innstilling = dialogs::Innstillinger[i];
         const auto& p = plass[i];
         if (p.etikett) etikett(Frame1, p.etikett, QString::fromUtf8(innstilling.etikett), 240, p.etikettTopp, 4500);
         bokser_[static_cast<size_t>(innstilling.boks)] =
             settingBoks(Frame1, innstilling.navn, QLatin1String(innstilling.standard), p.venstre, p.topp, p.bredde);
     }
-    boks(ui::Boks::Text5)->setEnabled(false);
+    boks(dialogs::Boks::Text5)->setEnabled(false);
     for (int i = 0; i < 6; ++i) {
         auto* linje = new QFrame(Frame1);
         linje->setFrameShape(QFrame::HLine);
@@ -190,11 +192,11 @@ void Form1::koble(QPushButton* knapp, Utfall (Form1::*handler)())
 void Form1::Form_Load()
 {
     apneDatabase();
-    filer::LesKolonner(k_);
+    files::LesKolonner(k_);
     store::VisAntallPoster(k_);
-    filer::LesOppsett(k_);
+    files::LesOppsett(k_);
     Option2->setChecked(true);
-    boks(ui::Boks::Text1)->setEnabled(false);
+    boks(dialogs::Boks::Text1)->setEnabled(false);
 }
 
 // Opens Data.mdb. A missing one is made anew from Template.mdb; one that cannot be opened
@@ -204,22 +206,22 @@ void Form1::apneDatabase()
     const QString data = k_.sti(store::DataFil);
     const QString mal = k_.sti(store::MalFil);
     if (!QFile::exists(data)) {
-        if (!filer::FilFinnes(mal) || !QFile::copy(mal, data)) {
+        if (!files::FilFinnes(mal) || !QFile::copy(mal, data)) {
             k_.dialogs.melding(QStringLiteral("Databasen %1 finnes ikke, og den kan ikke lages fra %2. Kontroller "
                                               "programmappen.")
                                    .arg(data, mal),
-                               ui::Knapper::Ok, ui::Ikon::Informasjon);
+                               dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
             return;
         }
         k_.dialogs.melding(QStringLiteral("Databasen %1 fantes ikke. En ny, tom database er laget fra %2.").arg(data, mal),
-                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+                           dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     }
     try {
         store::apneMaledata(tilkobling_, data);
     } catch (const db::DbFeil& e) {
         k_.dialogs.melding(QString::fromStdString(e.what()) +
                                QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),
-                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+                           dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     }
 }
 
@@ -230,22 +232,22 @@ void Form1::Combo1_Click()
 
 void Form1::Option1_Click()
 {
-    if (Option1->isChecked()) boks(ui::Boks::Text1)->setEnabled(true);
+    if (Option1->isChecked()) boks(dialogs::Boks::Text1)->setEnabled(true);
 }
 
 void Form1::Option2_Click()
 {
-    if (Option2->isChecked()) boks(ui::Boks::Text1)->setEnabled(false);
+    if (Option2->isChecked()) boks(dialogs::Boks::Text1)->setEnabled(false);
 }
 
 bool Form1::lagreOppsett()
 {
     try {
-        filer::SkrivTilFil(k_.sti(filer::OppsettFil), filer::oppsettLinje(*this));
+        files::SkrivTilFil(k_.sti(files::OppsettFil), files::oppsettLinje(*this));
         return true;
-    } catch (const filer::FilFeil& e) {
+    } catch (const files::FilFeil& e) {
         k_.dialogs.melding(QString::fromStdString(e.what()) + QStringLiteral("\nInnstillingene ble ikke lagret."),
-                           ui::Knapper::Ok, ui::Ikon::Informasjon);
+                           dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
         return false;
     }
 }
@@ -265,19 +267,19 @@ Utfall Form1::Command10_Click()
 {
     k_.dialogs.melding(QStringLiteral("Tolvik er utviklet av Tolvik-utviklerne.\n"
                                       "Spørsmål og kommentarer sendes til tolvik@example.org."),
-                       ui::Knapper::Ok, ui::Ikon::Informasjon);
+                       dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     return Utfall::Ferdig;
 }
 
-Utfall Form1::Command7_Click() { return kjor(analyse::Command7_Click); }
-Utfall Form1::Command8_Click() { return kjor(analyse::Command8_Click); }
-Utfall Form1::Command11_Click() { return kjor(analyse::Command11_Click); }
-Utfall Form1::Command5_Click() { return kjor(eksport::Command5_Click); }
-Utfall Form1::Command12_Click() { return kjor(eksport::Command12_Click); }
-Utfall Form1::Command3_Click() { return kjor(eksport::Command3_Click); }
-Utfall Form1::Command4_Click() { return kjor(eksport::Command4_Click); }
-Utfall Form1::Command6_Click() { return kjor(eksport::Command6_Click); }
-Utfall Form1::Command9_Click() { return kjor(eksport::Command9_Click); }
+Utfall Form1::Command7_Click() { return kjor(analysis::Command7_Click); }
+Utfall Form1::Command8_Click() { return kjor(analysis::Command8_Click); }
+Utfall Form1::Command11_Click() { return kjor(analysis::Command11_Click); }
+Utfall Form1::Command5_Click() { return kjor(exports::Command5_Click); }
+Utfall Form1::Command12_Click() { return kjor(exports::Command12_Click); }
+Utfall Form1::Command3_Click() { return kjor(exports::Command3_Click); }
+Utfall Form1::Command4_Click() { return kjor(exports::Command4_Click); }
+Utfall Form1::Command6_Click() { return kjor(exports::Command6_Click); }
+Utfall Form1::Command9_Click() { return kjor(exports::Command9_Click); }
 
 Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
 {
@@ -286,7 +288,7 @@ Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
     Utfall utfall = Utfall::Avvist;
     try {
         utfall = kommando(k_);
-    } catch (const ui::Avbrutt&) {
+    } catch (const dialogs::Avbrutt&) {
         utfall = Utfall::Avvist;
     } catch (...) {
         kjorer_ = false;
@@ -304,10 +306,10 @@ void Form1::closeEvent(QCloseEvent* e)
     e->accept();
 }
 
-QLineEdit* Form1::boks(ui::Boks b) const { return bokser_[static_cast<size_t>(b)]; }
+QLineEdit* Form1::boks(dialogs::Boks b) const { return bokser_[static_cast<size_t>(b)]; }
 
-QString Form1::tekst(ui::Boks b) const { return boks(b)->text(); }
-void Form1::settTekst(ui::Boks b, const QString& tekst) { boks(b)->setText(tekst); }
+QString Form1::tekst(dialogs::Boks b) const { return boks(b)->text(); }
+void Form1::settTekst(dialogs::Boks b, const QString& tekst) { boks(b)->setText(tekst); }
 
 QStringList Form1::kolonner() const
 {
@@ -342,9 +344,9 @@ void Form1::settOpptatt(bool opptatt)
     }
 }
 
-void Form1::visGraf(const ui::Graf& graf)
+void Form1::visGraf(const dialogs::Graf& graf)
 {
-    app::FrmGraph frm_Graph(graf);
+    FrmGraph frm_Graph(graf);
     if (grafVisning_) {
         grafVisning_(frm_Graph);
     } else {
@@ -359,5 +361,7 @@ void Form1::visGraf(const ui::Graf& graf)
 void Form1::behandleHendelser()
 {
     QCoreApplication::processEvents();
-    if (avslutter_) throw ui::Avbrutt{};
+    if (avslutter_) throw dialogs::Avbrutt{};
 }
+
+} // namespace app

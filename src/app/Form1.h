@@ -9,22 +9,23 @@
 #include <array>
 #include <functional>
 
-namespace app {
-class FrmGraph;
-}
 class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
-class Form1 : public QWidget, public ui::Vindu {
+namespace app {
+
+class FrmGraph;
+
+class Form1 : public QWidget, public dialogs::Vindu {
     Q_OBJECT
 public:
     inline static const QString Versjon = QStringLiteral("1.6 (06.01.2013)");
 
     // Runs Form_Load on the program folder; the dialogs live as long as the window.
-    Form1(const QString& mappe, ui::Dialogs& dialogs, QWidget* parent = nullptr);
+    Form1(const QString& mappe, dialogs::Dialogs& dialogs, QWidget* parent = nullptr);
     ~Form1() override;
 
     // The command buttons; each returns how its command ended (for tolvik-batch).
@@ -48,11 +49,11 @@ public:
     Kontekst& kontekst() { return k_; }
     // Hands the graph window to vis instead of waiting for the user to close it (tolvik-batch
     // and tests); empty restores waiting.
-    void settGrafVisning(std::function<void(app::FrmGraph&)> vis) { grafVisning_ = std::move(vis); }
+    void settGrafVisning(std::function<void(FrmGraph&)> vis) { grafVisning_ = std::move(vis); }
 
-    // ui::Vindu
-    QString tekst(ui::Boks boks) const override;
-    void settTekst(ui::Boks boks, const QString& tekst) override;
+    // dialogs::Vindu
+    QString tekst(dialogs::Boks boks) const override;
+    void settTekst(dialogs::Boks boks, const QString& tekst) override;
     QStringList kolonner() const override;
     void settKolonner(const QStringList& oppforinger) override;
     int valgtKolonne() const override;
@@ -63,7 +64,7 @@ public:
     void settTittel(const QString& tekst) override;
     void settOpptatt(bool opptatt) override;
     void behandleHendelser() override;
-    void visGraf(const ui::Graf& graf) override;
+    void visGraf(const dialogs::Graf& graf) override;
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -77,7 +78,7 @@ private:
     void Option2_Click();
     // Runs a command unless another one is running; the program may end inside it.
     Utfall kjor(const std::function<Utfall(Kontekst&)>& kommando);
-    QLineEdit* boks(ui::Boks b) const;
+    QLineEdit* boks(dialogs::Boks b) const;
     void koble(QPushButton* knapp, Utfall (Form1::*handler)());
 
     db::Database tilkobling_;
@@ -85,11 +86,13 @@ private:
     bool kjorer_ = false;
     bool avslutter_ = false;
     int opptatt_ = 0;
-    std::function<void(app::FrmGraph&)> grafVisning_;
+    std::function<void(FrmGraph&)> grafVisning_;
 
     QComboBox* Combo1 = nullptr;
     QRadioButton* Option1 = nullptr;
     QRadioButton* Option2 = nullptr;
-    std::array<QLineEdit*, 6> bokser_{};  // Text4 … Text2, by ui::Boks
+    std::array<QLineEdit*, 6> bokser_{};  // Text4 … Text2, by dialogs::Boks
     QLabel* Label4 = nullptr;
 };
+
+} // namespace app

@@ -13,7 +13,7 @@
 namespace app
 {
 
-FrmGraph::FrmGraph(const ui::Graf& graf, QWidget* eier) : QDialog(eier), graf_(graf)
+FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), graf_(graf)
 {
     setObjectName(QStringLiteral("frm_Graph"));
     setWindowTitle(QStringLiteral("Graf"));

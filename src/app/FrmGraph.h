@@ -20,13 +20,13 @@ class FrmGraph : public QDialog
     Q_OBJECT
 public:
     // Draws the graph's values, row after row, under its title.
-    explicit FrmGraph(const ui::Graf& graf, QWidget* eier = nullptr);
+    explicit FrmGraph(const dialogs::Graf& graf, QWidget* eier = nullptr);
 
     // What the window draws.
-    const ui::Graf& graf() const { return graf_; }
+    const dialogs::Graf& graf() const { return graf_; }
 
 private:
-    ui::Graf graf_;
+    dialogs::Graf graf_;
     QGroupBox* Frame1 = nullptr;
     QChartView* MSChart = nullptr;
     QPushButton* Command1 = nullptr;

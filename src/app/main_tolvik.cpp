@@ -15,8 +15,8 @@ int main(int argc, char** argv)
         return 1;
     }
     QApplication app(argc, argv);
-    ui::QtDialogs dialogs;
-    Form1 vindu(QCoreApplication::applicationDirPath(), dialogs);
+    dialogs::QtDialogs dialogs;
+    app::Form1 vindu(QCoreApplication::applicationDirPath(), dialogs);
     dialogs.settEier(&vindu);
     vindu.show();
     return app.exec();

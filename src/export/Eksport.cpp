@@ -5,11 +5,11 @@
 
 #include <QDir>
 
-namespace eksport {
+namespace exports {
 
-Forberedt forberedEksport(Kontekst& k, const ui::Sporsmal& sporsmal)
+Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal)
 {
-    std::optional<filer::SnuPunkter> liste = filer::SnuPunkter::les(k);
+    std::optional<files::SnuPunkter> liste = files::SnuPunkter::les(k);
     if (!liste) {
         k.dialogs.info(QStringLiteral("Du må først finne antall sykluser"));
         return {std::nullopt, Utfall::Avvist};
@@ -19,7 +19,7 @@ Forberedt forberedEksport(Kontekst& k, const ui::Sporsmal& sporsmal)
         return {std::nullopt, Utfall::Avvist};
     }
     const QString ut = k.sti(UtMappe);
-    if (!filer::MappeFinnes(ut) && !QDir().mkdir(ut))
+    if (!files::MappeFinnes(ut) && !QDir().mkdir(ut))
         throw vb::Feil(QStringLiteral("Kan ikke lage mappen %1").arg(ut).toStdString());
     const double antall = vb::tall(k.vindu.sisteSyklus()) - vb::tall(k.vindu.forsteSyklus()) + 1;
     if (!k.dialogs.sporJaNei(sporsmal.tekst.arg(vb::tekst(antall)))) return {};
@@ -59,7 +59,7 @@ QString fremdrift(long long rad, int syklus)
     return vb::antallTekst(rad) + QStringLiteral(" (Run ") + QString::number(syklus) + QLatin1Char(')');
 }
 
-Fremdrift::Fremdrift(ui::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) { klokke_.start(); }
+Fremdrift::Fremdrift(dialogs::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) { klokke_.start(); }
 
 Fremdrift::~Fremdrift()
 {
@@ -80,4 +80,4 @@ double startForskyvning(const vb::Dato& start, const vb::Dato& t)
     return static_cast<double>(vb::sekunderMellom(start, t)) / 60.0;
 }
 
-} // namespace eksport
+} // namespace exports

@@ -10,7 +10,7 @@
 #include <QStringList>
 #include <optional>
 
-namespace eksport {
+namespace exports {
 
 inline const QString UtMappe = QStringLiteral("Data_Bearbeidet");
 inline const QString MalSykluser = QStringLiteral("Mal_Sykluser.xlsx");
@@ -20,25 +20,25 @@ inline const QString FeilMelding =
     QStringLiteral("Det har oppstått en feil. Sjekk at du har oppgitt gyldige intervaller og tidspunkt.");
 
 // The questions the exports share: how many cycles to write, and the file-name prefix.
-inline const ui::Sporsmal SporEnkeltfiler{ui::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage excel-filer for %1 run?")};
-inline const ui::Sporsmal SporPrefiks{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi filnavn"), QStringLiteral("Filnavn")};
+inline const dialogs::Sporsmal SporEnkeltfiler{dialogs::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage excel-filer for %1 run?")};
+inline const dialogs::Sporsmal SporPrefiks{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi filnavn"), QStringLiteral("Filnavn")};
 
 // The guards every export runs first: the turning-point file must exist ("Du må først finne
 // antall sykluser"), the chooser must hold entries ("Ingen data importert"); then the output
 // folder is created when missing and the question (its %1 the count Text6 − Text4 + 1) is asked.
 // Returns the turning points, or nothing after a refusal (Avvist) or the answer No (Ferdig).
 struct Forberedt {
-    std::optional<filer::SnuPunkter> snupunkter;
+    std::optional<files::SnuPunkter> snupunkter;
     Utfall utfall = Utfall::Ferdig;
 };
-Forberedt forberedEksport(Kontekst& k, const ui::Sporsmal& sporsmal);
+Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal);
 
 
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
 QString sporPrefiks(Kontekst& k);
 
 // The combined template of the current adsorption/desorption choice.
-inline const QString& samleMal(const ui::Vindu& vindu) { return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon; }
+inline const QString& samleMal(const dialogs::Vindu& vindu) { return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon; }
 
 // Full path of a file in the output folder. vb::Feil when the name holds a character that a
 // file name cannot hold on any of the systems the lab uses (\ / : * ? " < > | or a control character).
@@ -58,7 +58,7 @@ QString fremdrift(long long rad, int syklus);
 // writing ends (also through an error) the label shows the exact text of the last row.
 class Fremdrift {
 public:
-    Fremdrift(ui::Vindu& vindu, int syklus);
+    Fremdrift(dialogs::Vindu& vindu, int syklus);
     ~Fremdrift();
     Fremdrift(const Fremdrift&) = delete;
     Fremdrift& operator=(const Fremdrift&) = delete;
@@ -66,7 +66,7 @@ public:
     void rad(long long rad);
 
 private:
-    ui::Vindu& vindu_;
+    dialogs::Vindu& vindu_;
     int syklus_;
     long long rad_ = -1;
     QElapsedTimer klokke_;
@@ -75,4 +75,4 @@ private:
 // Minutes from the data start to t as a fraction: whole seconds / 60.
 double startForskyvning(const vb::Dato& start, const vb::Dato& t);
 
-} // namespace eksport
+} // namespace exports

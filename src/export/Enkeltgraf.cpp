@@ -7,7 +7,7 @@
 
 #include <array>
 
-namespace eksport {
+namespace exports {
 
 namespace {
 
@@ -20,7 +20,7 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
                   const vb::Dato& StartTid)
 {
     const QString mal = k.sti(MalSykluser);
-    if (!filer::FilFinnes(mal)) {
+    if (!files::FilFinnes(mal)) {
         k.dialogs.info(QStringLiteral("Du mangler malfila"));
         return;
     }
@@ -57,11 +57,11 @@ Utfall Command3_Click(Kontekst& k)
     try {
         const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
-        const filer::SnuPunkter& snupunkter = *snu;
+        const files::SnuPunkter& snupunkter = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
         {
-            ui::Opptatt opptatt(k.vindu);
+            dialogs::Opptatt opptatt(k.vindu);
             const vb::Dato start = dataStart(k);
             k.vindu.behandleHendelser();
             const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
@@ -81,4 +81,4 @@ Utfall Command3_Click(Kontekst& k)
     }
 }
 
-} // namespace eksport
+} // namespace exports

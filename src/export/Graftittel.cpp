@@ -6,7 +6,7 @@
 
 #include <functional>
 
-namespace eksport {
+namespace exports {
 
 namespace {
 
@@ -17,18 +17,18 @@ Utfall redigerMal(Kontekst& k, const QString& navn, const std::function<void(xls
                   const QString& feil)
 {
     const QString mal = k.sti(navn);
-    if (!filer::FilFinnes(mal)) {
+    if (!files::FilFinnes(mal)) {
         k.dialogs.info(QStringLiteral("Malfila finnes ikke"));
         return Utfall::Avvist;
     }
     try {
-        ui::Opptatt opptatt(k.vindu);
+        dialogs::Opptatt opptatt(k.vindu);
         const auto bok = xlsx::apne(mal);
         endre(*bok);
         bok->lagre();
         return Utfall::Ferdig;
     } catch (const std::exception& e) {
-        if (!feil.isEmpty()) k.dialogs.melding(feil, ui::Knapper::Ok, ui::Ikon::Ingen);
+        if (!feil.isEmpty()) k.dialogs.melding(feil, dialogs::Knapper::Ok, dialogs::Ikon::Ingen);
         k.dialogs.feilGrunn(e);
         return Utfall::Avvist;
     }
@@ -67,4 +67,4 @@ Utfall Command9_Click(Kontekst& k)
         QStringLiteral("Feil"));
 }
 
-} // namespace eksport
+} // namespace exports

@@ -4,13 +4,13 @@
 
 #include "platform/Kontekst.h"
 
-namespace eksport {
+namespace exports {
 
-inline const ui::Sporsmal SporTittel{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi tittel"), QStringLiteral("Tittel")};
+inline const dialogs::Sporsmal SporTittel{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi tittel"), QStringLiteral("Tittel")};
 
 // The combined template of the current adsorption/desorption choice: title of chart 1.
 Utfall Command4_Click(Kontekst& k);
 // Mal_Sykluser.xlsx: the same title on both charts.
 Utfall Command9_Click(Kontekst& k);
 
-} // namespace eksport
+} // namespace exports

@@ -5,7 +5,7 @@
 #include "platform/xlsx/Arbeidsbok.h"
 #include "store/Setninger.h"
 
-namespace eksport {
+namespace exports {
 
 namespace {
 
@@ -36,7 +36,7 @@ bool harTekst(const xlsx::Verdi& v)
     return !std::holds_alternative<std::monostate>(v) && !(tekst && tekst->isEmpty());
 }
 
-int16_t minutter(Kontekst& k, const ui::Sporsmal& sporsmal)
+int16_t minutter(Kontekst& k, const dialogs::Sporsmal& sporsmal)
 {
     return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("25")));
 }
@@ -46,11 +46,11 @@ int16_t minutter(Kontekst& k, const ui::Sporsmal& sporsmal)
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
                         int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus)
 {
-    if (!filer::FilFinnes(k.sti(MalEnkel))) {
+    if (!files::FilFinnes(k.sti(MalEnkel))) {
         k.dialogs.info(QStringLiteral("Du mangler malfila for enkeltsyklusene"));
         return;
     }
-    if (SyklusNr == 1 && !filer::FilFinnes(k.sti(MalAlle))) {
+    if (SyklusNr == 1 && !files::FilFinnes(k.sti(MalAlle))) {
         k.dialogs.info(QStringLiteral("Du mangler malfila for alle"));
         return;
     }
@@ -115,11 +115,11 @@ Utfall Command12_Click(Kontekst& k)
     try {
         const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
-        const filer::SnuPunkter& liste = *snu;
+        const files::SnuPunkter& liste = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
 
-        const ui::Opptatt opptatt(k.vindu);
+        const dialogs::Opptatt opptatt(k.vindu);
         const vb::Dato start = dataStart(k);
         const int16_t foer = minutter(k, SporMinutterFor);
         const int16_t etter = minutter(k, SporMinutterEtter);
@@ -143,4 +143,4 @@ Utfall Command12_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace eksport
+} // namespace exports

@@ -6,11 +6,11 @@
 
 #include "platform/Kontekst.h"
 
-namespace eksport {
+namespace exports {
 
-inline const ui::Sporsmal SporMinutterFor{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter før"),
+inline const dialogs::Sporsmal SporMinutterFor{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter før"),
                                           QStringLiteral("Minutter")};
-inline const ui::Sporsmal SporMinutterEtter{ui::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter etter"),
+inline const dialogs::Sporsmal SporMinutterEtter{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter etter"),
                                             QStringLiteral("Minutter")};
 
 Utfall Command12_Click(Kontekst& k);
@@ -20,4 +20,4 @@ Utfall Command12_Click(Kontekst& k);
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
                         int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus);
 
-} // namespace eksport
+} // namespace exports

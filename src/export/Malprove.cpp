@@ -3,7 +3,7 @@
 #include "export/Eksport.h"
 #include "platform/xlsx/Arbeidsbok.h"
 
-namespace eksport {
+namespace exports {
 
 Utfall Command6_Click(Kontekst& k)
 {
@@ -17,4 +17,4 @@ Utfall Command6_Click(Kontekst& k)
     }
 }
 
-} // namespace eksport
+} // namespace exports

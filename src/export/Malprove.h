@@ -3,9 +3,9 @@
 
 #include "platform/Kontekst.h"
 
-namespace eksport {
+namespace exports {
 
 // A template that cannot be opened or lacks the chart is reported with the reason.
 Utfall Command6_Click(Kontekst& k);
 
-} // namespace eksport
+} // namespace exports

@@ -6,7 +6,7 @@
 #include "store/Maledata.h"
 #include "store/Setninger.h"
 
-namespace eksport {
+namespace exports {
 
 namespace {
 
@@ -20,7 +20,7 @@ vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const v
     return *tid;
 }
 
-QString kolonneBokstav(const Kontekst& k) { return filer::HentKode(k.vindu.kolonneTekst()); }
+QString kolonneBokstav(const Kontekst& k) { return files::HentKode(k.vindu.kolonneTekst()); }
 
 } // namespace
 
@@ -40,9 +40,9 @@ Utfall Command5_Click(Kontekst& k)
     try {
         const auto [snu, utfall] = forberedEksport(k, SporSamlefil);
         if (!snu) return utfall;
-        const filer::SnuPunkter& liste = *snu;
+        const files::SnuPunkter& liste = *snu;
         const QString mal = k.sti(samleMal(k.vindu));
-        if (!filer::FilFinnes(mal)) {
+        if (!files::FilFinnes(mal)) {
             k.dialogs.info(QStringLiteral("Du mangler malfila"));
             return Utfall::Avvist;
         }
@@ -51,7 +51,7 @@ Utfall Command5_Click(Kontekst& k)
 
         auto bok = xlsx::apne(mal);
         xlsx::Arbeidsark& ark = bok->ark(1);
-        const ui::Opptatt opptatt(k.vindu);
+        const dialogs::Opptatt opptatt(k.vindu);
         if (!store::harRader(k.tilkobling)) {
             k.dialogs.info(QStringLiteral("Finnes det data i tabellen?"));
             return Utfall::Avvist;
@@ -103,4 +103,4 @@ Utfall Command5_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace eksport
+} // namespace exports

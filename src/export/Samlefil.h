@@ -5,11 +5,11 @@
 
 #include "platform/Kontekst.h"
 
-namespace eksport {
+namespace exports {
 
-inline const ui::Sporsmal SporSamlefil{ui::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage en samlefil for %1 run?")};
-inline const ui::Sporsmal SporPeriode{
-    ui::Sporsmal::Art::Inndata,
+inline const dialogs::Sporsmal SporSamlefil{dialogs::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage en samlefil for %1 run?")};
+inline const dialogs::Sporsmal SporPeriode{
+    dialogs::Sporsmal::Art::Inndata,
     QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
     QStringLiteral("Periode")};
 
@@ -22,4 +22,4 @@ vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QS
 // maximum between M1 + 60 minutes and M1 + Periode minutes; returns M2 less 10 minutes.
 vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Periode);
 
-} // namespace eksport
+} // namespace exports

@@ -2,7 +2,7 @@
 
 #include "files/Tekstfil.h"
 
-namespace filer {
+namespace files {
 
 void LesOppsett(Kontekst& k)
 {
@@ -10,13 +10,13 @@ void LesOppsett(Kontekst& k)
     if (!FilFinnes(fil)) return;
     const QStringList felt = HentFraFil(fil).split(QLatin1Char('!'));
     if (felt.size() < 5) return;
-    for (int i = 0; i < 6 && i < felt.size(); ++i) k.vindu.settTekst(ui::Innstillinger[i].boks, felt[i]);
+    for (int i = 0; i < 6 && i < felt.size(); ++i) k.vindu.settTekst(dialogs::Innstillinger[i].boks, felt[i]);
 }
 
-QString oppsettLinje(const ui::Vindu& vindu)
+QString oppsettLinje(const dialogs::Vindu& vindu)
 {
     QStringList felt;
-    for (const ui::Innstilling& i : ui::Innstillinger) felt << vindu.tekst(i.boks);
+    for (const dialogs::Innstilling& i : dialogs::Innstillinger) felt << vindu.tekst(i.boks);
     return felt.join(QLatin1Char('!'));
 }
 
@@ -52,4 +52,4 @@ QString kolonneLinje(const QString& navn, const QString& bokstav)
     return navn + QString(20, QLatin1Char(' ')) + QLatin1Char('[') + bokstav + QLatin1Char(']');
 }
 
-} // namespace filer
+} // namespace files

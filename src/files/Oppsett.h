@@ -7,7 +7,7 @@
 
 #include <QString>
 
-namespace filer {
+namespace files {
 
 inline const QString OppsettFil = QStringLiteral("Oppsett.txt");
 inline const QString KolonnerFil = QStringLiteral("Kolonner.txt");
@@ -16,7 +16,7 @@ inline const QString KolonnerFil = QStringLiteral("Kolonner.txt");
 // exactly five set the first five and leave Text2; fewer change nothing.
 void LesOppsett(Kontekst& k);
 // The line the Exit button writes: the six boxes joined by "!".
-QString oppsettLinje(const ui::Vindu& vindu);
+QString oppsettLinje(const dialogs::Vindu& vindu);
 
 // Fills the column chooser from Kolonner.txt and selects the first entry holding "CO2".
 void LesKolonner(Kontekst& k);
@@ -25,4 +25,4 @@ QString kolonneBokstav(int posisjon);
 // A line of Kolonner.txt.
 QString kolonneLinje(const QString& navn, const QString& bokstav);
 
-} // namespace filer
+} // namespace files

@@ -2,7 +2,7 @@
 
 #include "files/Tekstfil.h"
 
-namespace filer {
+namespace files {
 
 std::optional<SnuPunkter> SnuPunkter::les(const Kontekst& k)
 {
@@ -31,4 +31,4 @@ void slettSnuPunkter(const Kontekst& k)
     if (FilFinnes(fil)) QFile::remove(fil);
 }
 
-} // namespace filer
+} // namespace files

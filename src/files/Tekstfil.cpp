@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace filer {
+namespace files {
 
 namespace {
 
@@ -128,4 +128,4 @@ bool Linjeleser::neste(std::string_view& linje)
     }
 }
 
-} // namespace filer
+} // namespace files

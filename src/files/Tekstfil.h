@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace filer {
+namespace files {
 
 // A file that cannot be opened, read or written.
 struct FilFeil : vb::Feil {
@@ -53,4 +53,4 @@ private:
 
 inline QString latin1(std::string_view s) { return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size())); }
 
-} // namespace filer
+} // namespace files

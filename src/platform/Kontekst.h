@@ -15,8 +15,8 @@ struct Kontekst {
     QString mappe;  // the program folder
     QString versjon;
     db::Database& tilkobling;
-    ui::Vindu& vindu;
-    ui::Dialogs& dialogs;
+    dialogs::Vindu& vindu;
+    dialogs::Dialogs& dialogs;
 
     // program folder + "/" + name; an existing file whose name differs only in case is the same file.
     QString sti(const QString& navn) const;

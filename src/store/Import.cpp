@@ -16,17 +16,17 @@ std::optional<QString> forhaandssjekk(const QString& fil, Oversikt& o)
     try {
         o = sePaa(fil);
         return innvending(o, fil);
-    } catch (const filer::FilFeil& e) {
+    } catch (const files::FilFeil& e) {
         return QString::fromStdString(e.what()) + QLatin1Char('.');
     }
 }
 
 // Opens the file for reading, then replaces the database; why not, when either fails.
-std::optional<QString> klargjor(Kontekst& k, std::optional<filer::Linjeleser>& leser, const QString& fil)
+std::optional<QString> klargjor(Kontekst& k, std::optional<files::Linjeleser>& leser, const QString& fil)
 {
     try {
         leser.emplace(fil);
-    } catch (const filer::FilFeil& e) {
+    } catch (const files::FilFeil& e) {
         return QString::fromStdString(e.what()) + QLatin1Char('.') + Uendret;
     }
     return erstattDatabase(k);
@@ -35,7 +35,7 @@ std::optional<QString> klargjor(Kontekst& k, std::optional<filer::Linjeleser>& l
 // The messages once the file is read: where it stopped or the line count, then the lines left out.
 Utfall rapporter(Kontekst& k, const Innlesing& innlesing, const std::optional<QString>& stopp)
 {
-    filer::LesKolonner(k);
+    files::LesKolonner(k);
     if (stopp)
         k.dialogs.info(*stopp);
     else
@@ -62,7 +62,7 @@ Utfall Command2_Click(Kontekst& k)
         return Utfall::Ferdig;
     }
 
-    std::optional<ui::Opptatt> opptatt(std::in_place, k.vindu);
+    std::optional<dialogs::Opptatt> opptatt(std::in_place, k.vindu);
     Oversikt oversikt;
     if (auto nei = forhaandssjekk(fil, oversikt)) {
         opptatt.reset();
@@ -71,13 +71,13 @@ Utfall Command2_Click(Kontekst& k)
     if (!k.dialogs.sporJaNei(SporImport.tekst.arg(fil, vb::antallTekst(oversikt.linjer))))
         return Utfall::Ferdig;
 
-    std::optional<filer::Linjeleser> leser;
+    std::optional<files::Linjeleser> leser;
     if (auto nei = klargjor(k, leser, fil)) {
         opptatt.reset();
         return avvis(k, *nei);
     }
 
-    Innlesing innlesing(k.tilkobling, *leser, fil, k.sti(filer::KolonnerFil), [&k](int64_t behandlet) {
+    Innlesing innlesing(k.tilkobling, *leser, fil, k.sti(files::KolonnerFil), [&k](int64_t behandlet) {
         k.vindu.settLabel4(vb::antallTekst(behandlet));
         k.vindu.behandleHendelser();
     });

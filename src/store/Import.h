@@ -10,8 +10,8 @@
 namespace store {
 
 // The import's questions: the file (the dialog's filter), then whether to start.
-inline const ui::Sporsmal SporFil{ui::Sporsmal::Art::Fil, QStringLiteral("CSV-filer (*.CSV)|*.CSV")};
-inline const ui::Sporsmal SporImport{ui::Sporsmal::Art::JaNei,
+inline const dialogs::Sporsmal SporFil{dialogs::Sporsmal::Art::Fil, QStringLiteral("CSV-filer (*.CSV)|*.CSV")};
+inline const dialogs::Sporsmal SporImport{dialogs::Sporsmal::Art::JaNei,
                                      QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
 
 Utfall Command2_Click(Kontekst& k);

@@ -14,7 +14,7 @@ constexpr auto Fremdriftsintervall = std::chrono::milliseconds(50);
 
 } // namespace
 
-Innlesing::Innlesing(db::Database& d, filer::Linjeleser& leser, const QString& fil, const QString& kolonnefil,
+Innlesing::Innlesing(db::Database& d, files::Linjeleser& leser, const QString& fil, const QString& kolonnefil,
                      Fremdrift fremdrift)
     : db_(d), tolker_(leser, fil), fil_(fil), kolonnefil_(kolonnefil), fremdrift_(std::move(fremdrift))
 {
@@ -70,11 +70,11 @@ void Innlesing::skrivKolonner(const QStringList& felt, int32_t overskriftLinje)
 {
     linjeNr_ = overskriftLinje;
     for (qsizetype i = 2; i < felt.size(); ++i) {
-        const QString linje = filer::kolonneLinje(felt[i], filer::kolonneBokstav(static_cast<int>(i) + 1));
+        const QString linje = files::kolonneLinje(felt[i], files::kolonneBokstav(static_cast<int>(i) + 1));
         if (i == 2)
-            filer::SkrivTilFil(kolonnefil_, linje);
+            files::SkrivTilFil(kolonnefil_, linje);
         else if (!felt[i].isEmpty())
-            filer::SkrivTilFilAppend(kolonnefil_, linje);
+            files::SkrivTilFilAppend(kolonnefil_, linje);
     }
 }
 

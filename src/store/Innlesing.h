@@ -14,7 +14,7 @@ public:
     using Fremdrift = std::function<void(int64_t behandlet)>;
 
     // fremdrift is called at most every 50 ms while the file is read.
-    Innlesing(db::Database& d, filer::Linjeleser& leser, const QString& fil, const QString& kolonnefil,
+    Innlesing(db::Database& d, files::Linjeleser& leser, const QString& fil, const QString& kolonnefil,
               Fremdrift fremdrift);
 
     // Reads the file to its end. Returns the reason when the import had to stop early; the

@@ -28,7 +28,7 @@ void Tolker::fyll(Blokk& b)
             if (raa.empty()) continue;
             linje_.les(raa);
             if (behandlet_++ == 0) {
-                for (std::string_view f : linje_.felt()) b.overskrift << filer::latin1(f);
+                for (std::string_view f : linje_.felt()) b.overskrift << files::latin1(f);
                 b.overskriftLinje = linjeNr_;
             } else if (linje_.erDatalinje()) {
                 if (const auto hopp = linje_.tolk(b.rader[static_cast<size_t>(b.antall)]))
@@ -37,7 +37,7 @@ void Tolker::fyll(Blokk& b)
                     leggTil(b);
             }
         }
-    } catch (const filer::FilFeil& e) {
+    } catch (const files::FilFeil& e) {
         b.feil = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.")
                      .arg(linjeNr_ + 1)
                      .arg(fil_, QString::fromStdString(e.what()));

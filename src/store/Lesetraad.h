@@ -36,7 +36,7 @@ struct Blokk {
 // it touches neither window nor store.
 class Tolker {
 public:
-    Tolker(filer::Linjeleser& leser, const QString& fil) : leser_(leser), fil_(fil) {}
+    Tolker(files::Linjeleser& leser, const QString& fil) : leser_(leser), fil_(fil) {}
 
     // The next stretch of the file.
     void fyll(Blokk& b);
@@ -47,7 +47,7 @@ private:
     void leggTil(Blokk& b);
     void noter(const Hopp& hopp);
 
-    filer::Linjeleser& leser_;
+    files::Linjeleser& leser_;
     const QString fil_;
     Radatalinje linje_;
     int32_t linjeNr_ = 0;

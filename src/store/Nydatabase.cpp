@@ -14,7 +14,7 @@ std::optional<QString> erstattDatabase(Kontekst& k)
     const QString mal = k.sti(MalFil);
     const QString data = k.sti(DataFil);
     const QString ny = data + QStringLiteral(".import");
-    if (!filer::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal) + Uendret;
+    if (!files::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal) + Uendret;
     QFile::remove(ny);
     QFile kopi(mal);
     if (!kopi.copy(ny))

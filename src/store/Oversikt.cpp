@@ -14,7 +14,7 @@ constexpr int MaksOverskriftsfelt = 29;  // one column letter each, A to Å
 
 Oversikt sePaa(const QString& fil)
 {
-    filer::Linjeleser leser(fil);
+    files::Linjeleser leser(fil);
     Oversikt o;
     for (std::string_view linje; leser.neste(linje);) {
         ++o.linjer;

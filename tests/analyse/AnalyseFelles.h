@@ -38,15 +38,15 @@ protected:
         t.fullfor();
     }
     // Starts the window on this column list (none when empty).
-    Form1& vindu(const QByteArray& kolonner = Kolonner)
+    app::Form1& vindu(const QByteArray& kolonner = Kolonner)
     {
         if (!kolonner.isEmpty()) mappe.skriv(u"Kolonner.txt"_s, kolonner);
-        f = std::make_unique<Form1>(mappe.mappe(), dialogs);
+        f = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
         return *f;
     }
-    void svar(auto... s) { (dialogs.svar(ui::SkriptDialogs::Svaret(s)), ...); }
+    void svar(auto... s) { (dialogs.svar(dialogs::SkriptDialogs::Svaret(s)), ...); }
     // The cycle settings: number of cycles, start minutes, interval.
-    QStringList bokser() const { return {f->tekst(ui::Boks::Text6), f->tekst(ui::Boks::Text3), f->tekst(ui::Boks::Text5)}; }
+    QStringList bokser() const { return {f->tekst(dialogs::Boks::Text6), f->tekst(dialogs::Boks::Text3), f->tekst(dialogs::Boks::Text5)}; }
     void TearDown() override
     {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the normal pointer must be back";
@@ -54,8 +54,8 @@ protected:
     }
 
     Programmappe mappe;
-    ui::SkriptDialogs dialogs;
-    std::unique_ptr<Form1> f;
+    dialogs::SkriptDialogs dialogs;
+    std::unique_ptr<app::Form1> f;
 };
 
 } // namespace test

@@ -36,7 +36,7 @@ TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
     };
     for (const auto& t : tilfeller) {
         f->velgAdsorpsjon(t.ads);
-        svar(u"1"_s, t.sykluser, t.ja ? ui::Svar::Ja : ui::Svar::Nei);
+        svar(u"1"_s, t.sykluser, t.ja ? dialogs::Svar::Ja : dialogs::Svar::Nei);
         EXPECT_EQ(f->Command11_Click(), Utfall::Ferdig) << t.sykluser;
         EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
         EXPECT_EQ(mappe.les(u"SnuPunkter.txt"_s), t.snu) << t.sykluser;

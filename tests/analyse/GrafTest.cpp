@@ -28,7 +28,7 @@ protected:
     {
         Vist v;
         f->settGrafVisning([&](app::FrmGraph& g) {
-            const ui::Graf& graf = g.graf();
+            const dialogs::Graf& graf = g.graf();
             for (int i = 0; i < graf.rader; ++i)
                 v.verdier.push_back(i < static_cast<int>(graf.verdier.size()) ? std::optional(graf.verdier[i]) : std::nullopt);
             g.show();
@@ -46,7 +46,7 @@ protected:
 TEST(Provesteg, RundesTilNaermesteMedHalvTilPar)
 {
     for (auto [rader, steg] : {std::pair{30000, 1}, {44999, 1}, {45000, 2}, {75000, 2}, {105000, 4}, {1000000, 33}})
-        EXPECT_EQ(analyse::provesteg(rader), steg) << rader;
+        EXPECT_EQ(analysis::provesteg(rader), steg) << rader;
 }
 
 TEST_F(Graf, HoystTrettiTusenPunkterAvHverNteRad)
@@ -79,8 +79,8 @@ TEST_F(Graf, VerdierOverEnKolonnerOgTommeTabeller)
     EXPECT_EQ(v.punkter, 4);
     EXPECT_EQ(v.vindu, u"Graf|Exit|lukket"_s);
     EXPECT_EQ(dialogs.meldinger(), (QStringList{u"Ingen graf kan vises"_s, u"1,0001"_s, u"3"_s}));
-    EXPECT_EQ(dialogs.dialoger()[1].ikon, ui::Ikon::Ingen);
-    EXPECT_EQ(dialogs.dialoger()[1].tittel, ui::ProgramTittel);
+    EXPECT_EQ(dialogs.dialoger()[1].ikon, dialogs::Ikon::Ingen);
+    EXPECT_EQ(dialogs.dialoger()[1].tittel, dialogs::ProgramTittel);
 
     for (int k : {2, 3}) {  // a letter the table lacks, an entry without a letter
         f->velgKolonne(k);

@@ -40,7 +40,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
         k.settTidFolgerId(tidFolgerId);
         for (const auto& t : tilfeller) {
             f->velgAdsorpsjon(t.ads);
-            svar(u"1"_s, t.terskel, t.ja ? ui::Svar::Ja : ui::Svar::Nei);
+            svar(u"1"_s, t.terskel, t.ja ? dialogs::Svar::Ja : dialogs::Svar::Nei);
             EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << t.terskel;
             EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
             EXPECT_EQ(mappe.les(SnuPunkter), t.snu) << t.terskel << tidFolgerId;
@@ -51,15 +51,15 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     const auto& d = dialogs.dialoger();
     EXPECT_EQ(d[1].tekst + '|' + d[1].tittel + '|' + d[1].forslag,
               u"Den minste verdien er 0,05. Oppgi søkeverdien som skal brukes under:|Minste verdi|5"_s);
-    EXPECT_EQ(d[2].ikon, ui::Ikon::Sporsmal);
+    EXPECT_EQ(d[2].ikon, dialogs::Ikon::Sporsmal);
 
     // A database that cannot take the index is searched all the same.
     k.utforSqlite("DROP INDEX DataLinjer_Tid_C; PRAGMA query_only = 1");
-    svar(u"1"_s, u"1"_s, ui::Svar::Nei);
+    svar(u"1"_s, u"1"_s, dialogs::Svar::Nei);
     EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
     EXPECT_EQ(mappe.les(SnuPunkter), tilfeller[0].snu);
     k.utforSqlite("PRAGMA query_only = 0");
-    svar(u"1"_s, u"1"_s, ui::Svar::Nei);
+    svar(u"1"_s, u"1"_s, dialogs::Svar::Nei);
     EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
 
     // The command built the column's time index, and every statement of the search reads that
@@ -81,7 +81,7 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     EXPECT_TRUE(dialogs.dialoger().size() == 1 && dialogs.meldinger().isEmpty());
     fyll(Sykluser);
     // sletter: a SnuPunkter.txt from an earlier run, under any case of its name, is gone.
-    const struct { int kolonne; std::vector<ui::SkriptDialogs::Svaret> svar; QString melding; bool sletter; const char* hva; } tilfeller[] = {
+    const struct { int kolonne; std::vector<dialogs::SkriptDialogs::Svaret> svar; QString melding; bool sletter; const char* hva; } tilfeller[] = {
         {0, {u"1"_s, u"0.02"_s}, u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s, true, "no hit: 0,01 lies on the search start"},
         {0, {u"1"_s, QString()}, Feil, true, "Cancel at the threshold"},
         {0, {QString()}, Feil, false, "Cancel at the start minutes"},
@@ -89,7 +89,7 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
         {0, {u"1"_s, u"lav"_s}, Feil, false, "threshold no number"},
         {2, {u"1"_s}, Feil, false, "a letter the table does not have"},
         {3, {u"1"_s}, Feil, false, "an entry without a letter"},
-        {0, {u"100000"_s, ui::SkriptDialogs::Forslag{}}, Feil, false, "no row after the search start"},
+        {0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, Feil, false, "no row after the search start"},
     };
     for (const auto& t : tilfeller) {
         const QString navn = t.melding == Feil ? SnuPunkter : u"Snupunkter.txt"_s;
@@ -98,7 +98,7 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
         for (const auto& s : t.svar) dialogs.svar(s);
         EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << t.hva;
         EXPECT_EQ(dialogs.dialoger().back().tekst, t.melding) << t.hva;
-        EXPECT_EQ(dialogs.dialoger().back().ikon, ui::Ikon::Informasjon) << t.hva;
+        EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Informasjon) << t.hva;
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << t.hva;
         EXPECT_FALSE(t.sletter && QFile::exists(mappe.sti(navn))) << t.hva;
     }
@@ -108,7 +108,7 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
 
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
     EXPECT_EQ(vindu({}).Command7_Click(), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), analyse::IngenData);
+    EXPECT_EQ(dialogs.meldinger().last(), analysis::IngenData);
 }
 
 } // namespace

@@ -15,12 +15,12 @@
 
 namespace {
 
-using ui::Boks;
+using dialogs::Boks;
 
-QStringList bokser(const Form1& f)
+QStringList bokser(const app::Form1& f)
 {
     QStringList ut;
-    for (const auto& i : ui::Innstillinger) ut << f.tekst(i.boks);
+    for (const auto& i : dialogs::Innstillinger) ut << f.tekst(i.boks);
     return ut;
 }
 
@@ -28,11 +28,11 @@ const QStringList Standard = {"1", "30", "200", "230", "10", "120"};
 
 struct Start {
     test::Programmappe mappe;
-    ui::SkriptDialogs dialogs;
-    std::unique_ptr<Form1> vindu;
-    Form1& start()
+    dialogs::SkriptDialogs dialogs;
+    std::unique_ptr<app::Form1> vindu;
+    app::Form1& start()
     {
-        vindu = std::make_unique<Form1>(mappe.mappe(), dialogs);
+        vindu = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
         return *vindu;
     }
     template <typename T>
@@ -45,7 +45,7 @@ struct Start {
 TEST(Oppstart, ForsteGangUtenFiler)
 {
     Start s;
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     EXPECT_EQ(bokser(f), Standard);
     EXPECT_TRUE(f.kolonner().isEmpty());
     EXPECT_EQ(f.windowTitle(), QStringLiteral("Tolvik -    poster i databasen  [Versjon: 1.6 (06.01.2013)]"));
@@ -75,20 +75,20 @@ TEST(Oppstart, Oppsettfila)
 TEST(Oppstart, KolonnelistaVelgerForsteCo2)
 {
     Start s;
-    s.mappe.skriv("Kolonner.txt", (filer::kolonneLinje("N2", "C") + "\r\n" + filer::kolonneLinje("CO2_44", "D") +
-                                   "\r\n" + filer::kolonneLinje("CO2", "E") + "\r\n")
+    s.mappe.skriv("Kolonner.txt", (files::kolonneLinje("N2", "C") + "\r\n" + files::kolonneLinje("CO2_44", "D") +
+                                   "\r\n" + files::kolonneLinje("CO2", "E") + "\r\n")
                                       .toLatin1());
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     EXPECT_EQ(f.kolonner().size(), 3);
     EXPECT_EQ(f.valgtKolonne(), 1);
-    EXPECT_EQ(f.kolonneTekst(), filer::kolonneLinje("CO2_44", "D"));
+    EXPECT_EQ(f.kolonneTekst(), files::kolonneLinje("CO2_44", "D"));
 }
 
 TEST(Oppstart, UtenCo2ErIngenValgt)
 {
     Start s;
     s.mappe.skriv("Kolonner.txt", "N2                    [C]\nO2                    [D]");
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     EXPECT_EQ(f.kolonner().size(), 2);
     EXPECT_EQ(f.valgtKolonne(), -1);
 }
@@ -97,7 +97,7 @@ TEST(Oppstart, BlankOppforingFlytterValgetTilForste)
 {
     Start s;
     s.mappe.skriv("Kolonner.txt", "CO2                    [C]\r\n   \r\nN2                    [E]\r\n");
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     f.velgKolonne(1);
     EXPECT_EQ(f.valgtKolonne(), 0);
 }
@@ -106,7 +106,7 @@ TEST(Oppstart, ManglendeDatabaseLagesFraMalen)
 {
     Start s;
     QFile::remove(s.mappe.sti("Data.mdb"));
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     EXPECT_TRUE(QFile::exists(s.mappe.sti("Data.mdb")));
     ASSERT_EQ(s.dialogs.meldinger().size(), 1);
     EXPECT_TRUE(s.dialogs.meldinger()[0].contains(QStringLiteral("fantes ikke")));
@@ -118,7 +118,7 @@ TEST(Oppstart, OdelagtDatabaseRoresIkke)
     for (const QByteArray& innhold : {QByteArray("ikke en database"), QByteArray()}) {
         Start s;
         s.mappe.skriv("Data.mdb", innhold);
-        Form1& f = s.start();
+        app::Form1& f = s.start();
         ASSERT_EQ(s.dialogs.meldinger().size(), 1);
         EXPECT_TRUE(s.dialogs.meldinger()[0].contains(QStringLiteral("Data.mdb")));
         EXPECT_FALSE(f.kontekst().tilkobling.erApen());
@@ -171,7 +171,7 @@ TEST(Vinduet, KontrollerMedTeksterOgTips)
 TEST(Vinduet, ValgAvAdsorpsjonStyrerText1)
 {
     Start s;
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     f.settTekst(Boks::Text1, QStringLiteral("15"));
     s.kontroll<QRadioButton>("Option1")->click();
     EXPECT_TRUE(s.kontroll<QLineEdit>("Text1")->isEnabled());
@@ -184,14 +184,14 @@ TEST(Vinduet, ValgAvAdsorpsjonStyrerText1)
 TEST(Vinduet, ExitLagrerInnstillingene)
 {
     Start s;
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     f.show();
     s.kontroll<QAbstractButton>("Command1")->click();
     EXPECT_EQ(s.mappe.les("Oppsett.txt"), QByteArray("1!30!200!230!10!120\r\n"));
     EXPECT_FALSE(f.isVisible());
 
     Start t;
-    Form1& g = t.start();
+    app::Form1& g = t.start();
     g.settTekst(Boks::Text6, QStringLiteral("12 "));
     g.Command1_Click();
     EXPECT_EQ(t.mappe.les("Oppsett.txt"), QByteArray("1!12 !200!230!10!120\r\n"));
@@ -200,7 +200,7 @@ TEST(Vinduet, ExitLagrerInnstillingene)
 TEST(Vinduet, LukkingUtenExitLagrerIngenting)
 {
     Start s;
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     f.show();
     f.settTekst(Boks::Text4, QStringLiteral("7"));
     f.close();
@@ -214,7 +214,7 @@ TEST(Vinduet, OmProgrammetHarToLinjer)
     s.kontroll<QAbstractButton>("Command10")->click();
     ASSERT_EQ(s.dialogs.dialoger().size(), 1u);
     const auto& d = s.dialogs.dialoger()[0];
-    EXPECT_EQ(d.ikon, ui::Ikon::Informasjon);
+    EXPECT_EQ(d.ikon, dialogs::Ikon::Informasjon);
     EXPECT_EQ(d.tittel, QStringLiteral("Tolvik"));
     EXPECT_EQ(d.tekst.count(QLatin1Char('\n')), 1);
 }
@@ -223,7 +223,7 @@ TEST(Vinduet, TegnesSomBilde)
 {
     Start s;
     s.mappe.skriv("Kolonner.txt", "CO2                    [C]\r\n");
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     f.show();
     const QImage bilde = f.grab().toImage();
     EXPECT_EQ(bilde.size(), f.size() * f.devicePixelRatio());
@@ -233,7 +233,7 @@ TEST(Vinduet, TegnesSomBilde)
 TEST(Kontekst, SammeFilUansettStorOgSmaBokstaver)
 {
     Start s;
-    Form1& f = s.start();
+    app::Form1& f = s.start();
     s.mappe.skriv("Snupunkter.txt", "x");
     EXPECT_EQ(f.kontekst().sti(QStringLiteral("SnuPunkter.txt")), s.mappe.sti("Snupunkter.txt"));
     EXPECT_EQ(f.kontekst().sti(QStringLiteral("Ny.txt")), s.mappe.sti("Ny.txt"));

@@ -83,7 +83,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
               QStringList({"Angi antall minutter før", "Minutter", "25", "Angi antall minutter etter", "Minutter", "25"}));
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     // Cycle 3: 26 rows before (3 to 28), then from the turning point again, cut at 12 minutes.
-    EXPECT_EQ(label4(), eksport::fremdrift(42, 3));
+    EXPECT_EQ(label4(), exports::fremdrift(42, 3));
 
     // Cycle 1: rows 3..28 from T - 25 to T, row 29 the turning point again, cut at T + 10
     // (row 39); rows 40 to 2999 cleared.
@@ -122,7 +122,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     // A later run from cycle 3 keeps rows 2 and 3 and saves cycle 3 into the template; cycle 4
     // has no start level and stops the command, its file unwritten.
     EXPECT_EQ(kjor("3", "4", QStringLiteral("R")), Utfall::Avvist);
-    EXPECT_TRUE(dialogs.meldinger().last().startsWith(eksport::FeilMelding));
+    EXPECT_TRUE(dialogs.meldinger().last().startsWith(exports::FeilMelding));
     EXPECT_TRUE(dialogs.meldinger().last().contains(QStringLiteral("startnivået")));
     EXPECT_EQ(utfiler().filter(QStringLiteral("R_")), QStringList({"R_3.xlsx"}));
     EXPECT_EQ(lesArbeidsbok(mappe.sti(MalAlle)).tekster({"B2", "B3", "B4"}), samle.tekster({"B2", "B3", "B4"}));
@@ -143,14 +143,14 @@ TEST_F(Integrering, ManglendeMalerOgFeilStopperMedEnMelding)
     EXPECT_EQ(kjor("1", "2"), Utfall::Avvist);
     const QStringList m = dialogs.meldinger();
     EXPECT_EQ(m[m.size() - 2], QStringLiteral("Du mangler malfila for alle"));
-    EXPECT_TRUE(m.last().startsWith(eksport::FeilMelding));
+    EXPECT_TRUE(m.last().startsWith(exports::FeilMelding));
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
     // A minute answer that is no number.
-    sett(ui::Boks::Text4, QStringLiteral("1"));
+    sett(dialogs::Boks::Text4, QStringLiteral("1"));
     svar({Svar::Ja, QStringLiteral("P"), QStringLiteral("mange")});
     EXPECT_EQ(form().Command12_Click(), Utfall::Avvist);
-    EXPECT_TRUE(dialogs.meldinger().last().startsWith(eksport::FeilMelding));
+    EXPECT_TRUE(dialogs.meldinger().last().startsWith(exports::FeilMelding));
     EXPECT_FALSE(dialogs.ubrukteSvar());
     EXPECT_TRUE(utfiler().isEmpty());
 }

@@ -31,7 +31,7 @@ protected:
     void innstillinger(const char* fra, const char* til, bool adsorpsjon, int kolonne = 0)
     {
         sykluser(fra, til);
-        sett(ui::Boks::Text2, QStringLiteral("20"));
+        sett(dialogs::Boks::Text2, QStringLiteral("20"));
         form().velgKolonne(kolonne);
         form().velgAdsorpsjon(adsorpsjon);
     }
@@ -41,7 +41,7 @@ TEST_F(Samlefil, AdsorpsjonLeggerSyklusneISineKolonnerFraNullpunktet)
 {
     // Fill the template's first columns so that what the export leaves and clears shows.
     {
-        auto mal = xlsx::apne(mappe.sti(eksport::MalAdsorpsjon));
+        auto mal = xlsx::apne(mappe.sti(exports::MalAdsorpsjon));
         for (int r = 2; r <= 2002; ++r)
             for (int k = 1; k <= 5; ++k) mal->ark(1).settCelle(r, k, 7.0);
         mal->lagre();
@@ -53,7 +53,7 @@ TEST_F(Samlefil, AdsorpsjonLeggerSyklusneISineKolonnerFraNullpunktet)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     // The window runs from the maximum (T - 5) less 10 minutes to T + 20, both ends included:
     // 36 rows, so the next free row is 38.
-    EXPECT_EQ(label4(), eksport::fremdrift(38, 3));
+    EXPECT_EQ(label4(), exports::fremdrift(38, 3));
 
     const Bok bok = lesArbeidsbok(ut(QStringLiteral("Forsok_Samlefil.xlsm")));
     EXPECT_TRUE(bok.json[QStringLiteral("makro")].toBool());
@@ -108,24 +108,24 @@ TEST_F(Samlefil, FeilOgAvvisningerLagerIngenFil)
     EXPECT_EQ(form().Command5_Click(), Utfall::Avvist);
     svar({Svar::Ja, QStringLiteral("P"), QString()});
     EXPECT_EQ(form().Command5_Click(), Utfall::Avvist);
-    sett(ui::Boks::Text6, QStringLiteral("4"));
+    sett(dialogs::Boks::Text6, QStringLiteral("4"));
     svar({Svar::Ja, QStringLiteral("P"), Forslag{}});
     EXPECT_EQ(form().Command5_Click(), Utfall::Avvist);
     // A setting that is no number, already in the question; then No: nothing more is asked.
-    sett(ui::Boks::Text4, QStringLiteral("en"));
+    sett(dialogs::Boks::Text4, QStringLiteral("en"));
     EXPECT_EQ(form().Command5_Click(), Utfall::Avvist);
-    sett(ui::Boks::Text4, QStringLiteral("1"));
+    sett(dialogs::Boks::Text4, QStringLiteral("1"));
     svar({Svar::Nei});
     EXPECT_EQ(form().Command5_Click(), Utfall::Ferdig);
 
-    const QString feil = eksport::FeilMelding, to = QStringLiteral("Vil du lage en samlefil for 2 run?"),
+    const QString feil = exports::FeilMelding, to = QStringLiteral("Vil du lage en samlefil for 2 run?"),
                   fire = QStringLiteral("Vil du lage en samlefil for 4 run?");
     EXPECT_EQ(dialogs.meldinger(), QStringList({to, feil, to, feil, fire, feil, feil, fire}));
     EXPECT_FALSE(QFile::exists(ut(QStringLiteral("P_Samlefil.xlsm"))));
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
     // A missing template stops before the prefix is asked for.
-    QFile::remove(mappe.sti(eksport::MalDesorpsjon));
+    QFile::remove(mappe.sti(exports::MalDesorpsjon));
     svar({Svar::Ja});
     EXPECT_EQ(form().Command5_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Du mangler malfila"));
@@ -144,7 +144,7 @@ TEST_F(Samlefil, BatchSvarerMedJaPrefiksOgPeriode)
 
     const auto kort = kjor({"--prefix", "K", "--period", "50"});
     EXPECT_EQ(kort.status, 1);
-    EXPECT_TRUE(kort.ut.contains(eksport::FeilMelding));
+    EXPECT_TRUE(kort.ut.contains(exports::FeilMelding));
     EXPECT_EQ(kjor({"--no"}).status, 0);
     EXPECT_FALSE(QFile::exists(ut(QStringLiteral("K_Samlefil.xlsm"))));
     EXPECT_EQ(kjor({}).status, 2);

@@ -32,13 +32,13 @@ TEST_F(Batch, UtfallOgBruksfeil)
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.ut, QStringLiteral("Du må først finne antall sykluser\n\n"));
 
-    const QByteArray ads = mappe.les(eksport::MalAdsorpsjon);
+    const QByteArray ads = mappe.les(exports::MalAdsorpsjon);
     r = batch({"--desorption", "edit-title", "--combined", "--title", "Des"});
     EXPECT_EQ(r.status, 0) << r.feil.toStdString();
-    EXPECT_EQ(mappe.les(eksport::MalAdsorpsjon), ads);
+    EXPECT_EQ(mappe.les(exports::MalAdsorpsjon), ads);
 
     EXPECT_EQ(batch({"test"}).status, 0);
-    QFile::remove(mappe.sti(eksport::MalSykluser));
+    QFile::remove(mappe.sti(exports::MalSykluser));
     EXPECT_EQ(batch({"test"}).status, 1);
     EXPECT_EQ(batch({"edit-title", "--single", "--title", "X"}).status, 1);
 

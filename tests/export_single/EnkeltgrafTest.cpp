@@ -6,7 +6,7 @@
 #include "files/Tekstfil.h"
 
 using namespace test;
-using ui::Boks;
+using dialogs::Boks;
 
 namespace {
 
@@ -42,7 +42,7 @@ protected:
     void sjekkSyklus(const QString& fil, int T, double o1, double akse)
     {
         SCOPED_TRACE(fil.toStdString());
-        const Bok bok = lesArbeidsbok(ut(fil)), mal = lesArbeidsbok(mappe.sti(eksport::MalSykluser));
+        const Bok bok = lesArbeidsbok(ut(fil)), mal = lesArbeidsbok(mappe.sti(exports::MalSykluser));
         QJsonObject celler = bok.celler, malceller = mal.celler;
         auto ta = [&](const QString& adresse) {
             malceller.remove(adresse);
@@ -72,7 +72,7 @@ TEST_F(Enkeltgraf, ValgteSykluserBlirArbeidsbokerMedVinduForskyvningOgAkse)
     sykluser("1", "1");
     QDir().mkdir(mappe.sti(QStringLiteral("Data_Bearbeidet")));
     const QString foreslatt = vb::dagensDatoTekst() + QStringLiteral("__1.xlsx");
-    filer::SkrivTilFil(ut(foreslatt), QStringLiteral("gammel fil"));
+    files::SkrivTilFil(ut(foreslatt), QStringLiteral("gammel fil"));
     svar({Svar::Ja, Forslag{}});
     EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
     const auto& d = dialogs.dialoger();
@@ -80,9 +80,9 @@ TEST_F(Enkeltgraf, ValgteSykluserBlirArbeidsbokerMedVinduForskyvningOgAkse)
     EXPECT_EQ(QStringList({d[0].tekst, d[1].tekst, d[1].tittel, d[1].forslag, d[2].tekst}),
               QStringList({"Vil du lage excel-filer for 1 run?", "Angi filnavn", "Filnavn",
                            vb::dagensDatoTekst() + QLatin1Char('_'), "Eksporten er ferdig!"}));
-    EXPECT_EQ(d[0].knapper, ui::Knapper::JaNei);
-    EXPECT_EQ(d[0].ikon, ui::Ikon::Sporsmal);
-    EXPECT_EQ(d[2].ikon, ui::Ikon::Informasjon);
+    EXPECT_EQ(d[0].knapper, dialogs::Knapper::JaNei);
+    EXPECT_EQ(d[0].ikon, dialogs::Ikon::Sporsmal);
+    EXPECT_EQ(d[2].ikon, dialogs::Ikon::Informasjon);
     sjekkSyklus(foreslatt, Snupunkter[0], 58.5, 58);
 
     // Cycles 2 and 3 only; the axis starts at the window start rounded half to even.
@@ -103,7 +103,7 @@ TEST_F(Enkeltgraf, SyklusUtenRaderEllerUtenMalGirIngenFil)
     EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
     // Without the template each cycle with rows says so; cycle 2 has no rows and says nothing.
     snupunkter({60 * Minutt, 400 * Minutt, 232 * Minutt});
-    ASSERT_TRUE(QFile::remove(mappe.sti(eksport::MalSykluser)));
+    ASSERT_TRUE(QFile::remove(mappe.sti(exports::MalSykluser)));
     sykluser("1", "3");
     EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
     EXPECT_EQ(dialogs.meldinger(),
@@ -115,10 +115,10 @@ TEST_F(Enkeltgraf, SyklusUtenRaderEllerUtenMalGirIngenFil)
 TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMeldingOgOdeleggerIngenting)
 {
     fyll();
-    auto feiler = [&](std::initializer_list<ui::SkriptDialogs::Svaret> s) {
+    auto feiler = [&](std::initializer_list<dialogs::SkriptDialogs::Svaret> s) {
         svar(s);
         EXPECT_EQ(form().Command3_Click(), Utfall::Avvist);
-        EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+        EXPECT_EQ(dialogs.meldinger().last(), exports::FeilMelding);
     };
     // More cycles asked for than found: the ones that exist are written, then the error.
     sykluser("1", "5");
@@ -149,17 +149,17 @@ TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMeldingOgOdeleggerIngenting)
 
     // A template that is no workbook, then one with a single chart on its second sheet (it
     // fails at the second axis): left as it was, nothing written.
-    mappe.skriv(eksport::MalSykluser, "ikke en arbeidsbok");
+    mappe.skriv(exports::MalSykluser, "ikke en arbeidsbok");
     feiler({Svar::Ja, QStringLiteral("R")});
-    EXPECT_EQ(mappe.les(eksport::MalSykluser), QByteArray("ikke en arbeidsbok"));
-    QFile::remove(mappe.sti(eksport::MalSykluser));
-    QFile::copy(mappe.sti(eksport::MalAdsorpsjon), mappe.sti(eksport::MalSykluser));
-    const QByteArray enGraf = mappe.les(eksport::MalSykluser);
+    EXPECT_EQ(mappe.les(exports::MalSykluser), QByteArray("ikke en arbeidsbok"));
+    QFile::remove(mappe.sti(exports::MalSykluser));
+    QFile::copy(mappe.sti(exports::MalAdsorpsjon), mappe.sti(exports::MalSykluser));
+    const QByteArray enGraf = mappe.les(exports::MalSykluser);
     feiler({Svar::Ja, QStringLiteral("R")});
-    EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
+    EXPECT_EQ(mappe.les(exports::MalSykluser), enGraf);
 
     // A turning point that is no date-time.
-    filer::SkrivTilFil(mappe.sti(filer::SnuPunktFil), QStringLiteral("i går"));
+    files::SkrivTilFil(mappe.sti(files::SnuPunktFil), QStringLiteral("i går"));
     feiler({Svar::Ja, QStringLiteral("C")});
     EXPECT_EQ(utfiler(), skrevet);
     EXPECT_FALSE(dialogs.ubrukteSvar());
@@ -183,7 +183,7 @@ TEST_F(Enkeltgraf, RadtellerenTalerIkkeMerEnn32767)
     rad(Minutt, {-1});
     sykluser("2", "2");
     EXPECT_EQ(eksporter(QStringLiteral("Full")), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), eksport::FeilMelding);
+    EXPECT_EQ(dialogs.meldinger().last(), exports::FeilMelding);
     EXPECT_EQ(utfiler(), QStringList({"Full_1.xlsx"}));
 }
 
@@ -194,14 +194,14 @@ TEST_F(Eksporter, AvviserUtenSnupunkterDataEllerSvar)
     const QString utmappe = mappe.sti(QStringLiteral("Data_Bearbeidet"));
     const struct {
         const char* knapp;
-        Utfall (Form1::*klikk)();
+        Utfall (app::Form1::*klikk)();
         QString tomTabell;
-    } kommandoer[] = {{"Command3", &Form1::Command3_Click, eksport::FeilMelding},
-                      {"Command5", &Form1::Command5_Click, QStringLiteral("Finnes det data i tabellen?")},
-                      {"Command12", &Form1::Command12_Click, eksport::FeilMelding}};
+    } kommandoer[] = {{"Command3", &app::Form1::Command3_Click, exports::FeilMelding},
+                      {"Command5", &app::Form1::Command5_Click, QStringLiteral("Finnes det data i tabellen?")},
+                      {"Command12", &app::Form1::Command12_Click, exports::FeilMelding}};
     for (const auto& k : kommandoer) {
         SCOPED_TRACE(k.knapp);
-        QFile::remove(mappe.sti(filer::SnuPunktFil));
+        QFile::remove(mappe.sti(files::SnuPunktFil));
         QDir(utmappe).removeRecursively();
         // The button itself, before any cycle search.
         form().findChild<QPushButton*>(QLatin1String(k.knapp))->click();

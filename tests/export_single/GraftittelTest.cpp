@@ -10,7 +10,7 @@ class Graftittel : public Eksportmappe {};
 
 TEST_F(Graftittel, EnkeltgrafFaarSammeTittelIBeggeDiagrammer)
 {
-    const QString mal = mappe.sti(eksport::MalSykluser);
+    const QString mal = mappe.sti(exports::MalSykluser);
     const QVariant gammel = lesArbeidsbok(mal).diagrammer(2, "tittel").value(0);
     const QString ny = QStringLiteral("Syklus – CO₂ & H₂O");
     svar({ny});
@@ -23,7 +23,7 @@ TEST_F(Graftittel, EnkeltgrafFaarSammeTittelIBeggeDiagrammer)
     EXPECT_EQ(bok[QStringLiteral("A1")].toString(), QStringLiteral("Time&Date"));
 
     // Accepting the proposal keeps the title; an empty answer empties it on both charts.
-    svar({ui::SkriptDialogs::Forslag{}});
+    svar({dialogs::SkriptDialogs::Forslag{}});
     EXPECT_EQ(form().Command9_Click(), Utfall::Ferdig);
     EXPECT_EQ(lesArbeidsbok(mal).diagrammer(2, "tittel"), QVariantList({ny, ny}));
     svar({QString()});
@@ -35,8 +35,8 @@ TEST_F(Graftittel, EnkeltgrafFaarSammeTittelIBeggeDiagrammer)
 TEST_F(Graftittel, SamlegrafEndrerBareMalenForValgtRetning)
 {
     for (bool adsorpsjon : {true, false}) {
-        const QString endret = adsorpsjon ? eksport::MalAdsorpsjon : eksport::MalDesorpsjon;
-        const QString annen = adsorpsjon ? eksport::MalDesorpsjon : eksport::MalAdsorpsjon;
+        const QString endret = adsorpsjon ? exports::MalAdsorpsjon : exports::MalDesorpsjon;
+        const QString annen = adsorpsjon ? exports::MalDesorpsjon : exports::MalAdsorpsjon;
         auto mal = xlsx::apne(mappe.sti(endret));  // C1 emptied first, to see the command write it
         mal->ark(1).settCelle(1, 3, xlsx::Verdi{});
         mal->lagre();
@@ -56,16 +56,16 @@ TEST_F(Graftittel, SamlegrafEndrerBareMalenForValgtRetning)
 TEST_F(Graftittel, TestknappenOgManglendeEllerOdelagtMalEndrerIngenting)
 {
     // The hidden test button opens the template and leaves it as it was.
-    const QByteArray for_ = mappe.les(eksport::MalSykluser);
+    const QByteArray for_ = mappe.les(exports::MalSykluser);
     EXPECT_TRUE(form().findChild<QPushButton*>(QStringLiteral("Command6"))->isHidden());
     EXPECT_EQ(form().Command6_Click(), Utfall::Ferdig);
     EXPECT_EQ(form().Command6_Click(), Utfall::Ferdig);
-    EXPECT_EQ(mappe.les(eksport::MalSykluser), for_);
+    EXPECT_EQ(mappe.les(exports::MalSykluser), for_);
     EXPECT_TRUE(dialogs.dialoger().empty());
 
     // Missing templates: refused before anything is opened or asked; the test button shows why.
-    QFile::remove(mappe.sti(eksport::MalSykluser));
-    QFile::remove(mappe.sti(eksport::MalDesorpsjon));
+    QFile::remove(mappe.sti(exports::MalSykluser));
+    QFile::remove(mappe.sti(exports::MalDesorpsjon));
     form().velgAdsorpsjon(false);
     EXPECT_EQ(form().Command6_Click(), Utfall::Avvist);
     EXPECT_EQ(form().Command9_Click(), Utfall::Avvist);
@@ -75,21 +75,21 @@ TEST_F(Graftittel, TestknappenOgManglendeEllerOdelagtMalEndrerIngenting)
 
     // A cycle template with a single chart fails at the second one: "Feil" in a plain box,
     // the template as it was.
-    QFile::copy(mappe.sti(eksport::MalAdsorpsjon), mappe.sti(eksport::MalSykluser));
-    const QByteArray enGraf = mappe.les(eksport::MalSykluser);
+    QFile::copy(mappe.sti(exports::MalAdsorpsjon), mappe.sti(exports::MalSykluser));
+    const QByteArray enGraf = mappe.les(exports::MalSykluser);
     svar({QStringLiteral("Ny")});
     EXPECT_EQ(form().Command9_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Feil"));
-    EXPECT_EQ(dialogs.dialoger().back().ikon, ui::Ikon::Ingen);
-    EXPECT_EQ(dialogs.dialoger().back().knapper, ui::Knapper::Ok);
-    EXPECT_EQ(mappe.les(eksport::MalSykluser), enGraf);
+    EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Ingen);
+    EXPECT_EQ(dialogs.dialoger().back().knapper, dialogs::Knapper::Ok);
+    EXPECT_EQ(mappe.les(exports::MalSykluser), enGraf);
 
     // A combined template that is no workbook: the command ends without a message.
-    mappe.skriv(eksport::MalDesorpsjon, "tull");
+    mappe.skriv(exports::MalDesorpsjon, "tull");
     const size_t vist = dialogs.dialoger().size();
     EXPECT_EQ(form().Command4_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.dialoger().size(), vist);
-    EXPECT_EQ(mappe.les(eksport::MalDesorpsjon), QByteArray("tull"));
+    EXPECT_EQ(mappe.les(exports::MalDesorpsjon), QByteArray("tull"));
 }
 
 } // namespace

@@ -43,17 +43,17 @@ Eksportmappe::Eksportmappe()
     for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))
         if (!QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) ADD_FAILURE() << mal.toStdString();
     QStringList linjer;
-    for (int k = 3; k <= 11; ++k) linjer << filer::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), filer::kolonneBokstav(k));
-    filer::SkrivTilFil(mappe.sti(filer::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
+    for (int k = 3; k <= 11; ++k) linjer << files::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), files::kolonneBokstav(k));
+    files::SkrivTilFil(mappe.sti(files::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
 }
 
-Form1& Eksportmappe::form()
+app::Form1& Eksportmappe::form()
 {
-    if (!form_) form_ = std::make_unique<Form1>(mappe.mappe(), dialogs);
+    if (!form_) form_ = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
     return *form_;
 }
 
-void Eksportmappe::svar(std::initializer_list<ui::SkriptDialogs::Svaret> svar)
+void Eksportmappe::svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
 {
     for (const auto& s : svar) dialogs.svar(s);
 }
@@ -62,7 +62,7 @@ void Eksportmappe::rad(int sekunder, const Verdier& verdier)
 {
     QString kolonner, tall;
     for (int i = 0; i < verdier.size(); ++i) {
-        kolonner += QStringLiteral(", ") + filer::kolonneBokstav(i + 3);
+        kolonner += QStringLiteral(", ") + files::kolonneBokstav(i + 3);
         tall += QStringLiteral(", ") + (verdier[i] ? vb::sqlTekst(*verdier[i]) : QStringLiteral("Null"));
     }
     form().kontekst().tilkobling.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst%1) VALUES ('%2', '%3'%4)")
@@ -81,7 +81,7 @@ void Eksportmappe::snupunkter(const QList<int>& sekunder)
 {
     QStringList tekster;
     for (int s : sekunder) tekster << vb::Dato::fra(2012, 11, 23, s / 3600, s / 60 % 60, s % 60).generellTekst();
-    filer::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
+    files::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
 
 QStringList Eksportmappe::utfiler() const

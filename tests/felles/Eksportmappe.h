@@ -22,8 +22,8 @@
 
 namespace test {
 
-using ui::Svar;
-using Forslag = ui::SkriptDialogs::Forslag;
+using dialogs::Svar;
+using Forslag = dialogs::SkriptDialogs::Forslag;
 
 // The values of a row for columns C, D, E, ... in order; an empty one is stored as Null.
 using Verdier = QList<std::optional<double>>;
@@ -49,10 +49,10 @@ protected:
     Eksportmappe();
 
     // The main window, opened on first use over the folder as it is then.
-    Form1& form();
-    void sett(ui::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
-    void sykluser(const char* fra, const char* til) { sett(ui::Boks::Text4, fra), sett(ui::Boks::Text6, til); }
-    void svar(std::initializer_list<ui::SkriptDialogs::Svaret> svar);
+    app::Form1& form();
+    void sett(dialogs::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
+    void sykluser(const char* fra, const char* til) { sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til); }
+    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar);
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
     void rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier);
@@ -64,10 +64,10 @@ protected:
     Kjoring batch(const QStringList& argumenter) const;  // tolvik-batch on this folder
 
     Programmappe mappe;
-    ui::SkriptDialogs dialogs;
+    dialogs::SkriptDialogs dialogs;
 
 private:
-    std::unique_ptr<Form1> form_;
+    std::unique_ptr<app::Form1> form_;
 };
 
 } // namespace test

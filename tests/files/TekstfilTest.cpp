@@ -6,7 +6,7 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
-using namespace filer;
+using namespace files;
 
 TEST(HentKode, SisteKlammepar)
 {

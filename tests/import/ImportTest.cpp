@@ -11,7 +11,7 @@
 
 namespace {
 
-using ui::Svar;
+using dialogs::Svar;
 
 QString testfil(const char* navn) { return QStringLiteral(TOLVIK_TESTDATA "/import/") + QLatin1String(navn); }
 
@@ -74,7 +74,7 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
     const auto& d = dialogs.dialoger();
     ASSERT_EQ(d.size(), 3u);
     EXPECT_EQ(d[0].tekst, u"CSV-filer (*.CSV)|*.CSV"_s);
-    EXPECT_EQ(std::tuple(d[1].knapper, d[1].ikon, d[2].ikon), std::tuple(ui::Knapper::JaNei, ui::Ikon::Sporsmal, ui::Ikon::Ingen));
+    EXPECT_EQ(std::tuple(d[1].knapper, d[1].ikon, d[2].ikon), std::tuple(dialogs::Knapper::JaNei, dialogs::Ikon::Sporsmal, dialogs::Ikon::Ingen));
     EXPECT_EQ(label4(), u"  2"_s);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   1 poster i databasen"_s));
 }
@@ -140,7 +140,7 @@ TEST_F(Import, NeiIngenFilOgToFeltsOverskriftEndrerIkkeKolonnelista)
 {
     ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);
     mappe.skriv(Kolonnefil, GamleKolonner);
-    filer::LesKolonner(f->kontekst());
+    files::LesKolonner(f->kontekst());
     husk();
     EXPECT_EQ(importer(testfil("felt.csv"), Svar::Nei), Utfall::Ferdig);
     EXPECT_EQ(importer(QString(), std::nullopt), Utfall::Ferdig);

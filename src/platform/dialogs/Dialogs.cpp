@@ -2,7 +2,7 @@
 
 #include <QRegularExpression>
 
-namespace ui {
+namespace dialogs {
 
 bool Sporsmal::stilles(Art a, const QString& t, const QString& tt) const
 {
@@ -23,4 +23,4 @@ bool Sporsmal::stilles(Art a, const QString& t, const QString& tt) const
         .hasMatch();
 }
 
-} // namespace ui
+} // namespace dialogs

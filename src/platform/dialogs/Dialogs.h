@@ -7,7 +7,7 @@
 
 #include <exception>
 
-namespace ui {
+namespace dialogs {
 
 enum class Knapper { Ok, JaNei };
 enum class Ikon { Ingen, Informasjon, Sporsmal };
@@ -50,4 +50,4 @@ public:
     void feilGrunn(const std::exception& e) { feilGrunn(QString::fromUtf8(e.what())); }
 };
 
-} // namespace ui
+} // namespace dialogs

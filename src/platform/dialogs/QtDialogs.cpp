@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 
-namespace ui {
+namespace dialogs {
 
 Svar QtDialogs::melding(const QString& tekst, Knapper knapper, Ikon ikon, const QString& tittel)
 {
@@ -59,4 +59,4 @@ QString QtDialogs::velgFil(const QString& filter)
 
 void QtDialogs::feilGrunn(const QString& grunn) { qWarning().noquote() << grunn; }
 
-} // namespace ui
+} // namespace dialogs

@@ -5,7 +5,7 @@
 
 class QWidget;
 
-namespace ui {
+namespace dialogs {
 
 class QtDialogs : public Dialogs {
 public:
@@ -24,4 +24,4 @@ private:
     QWidget* eier_;
 };
 
-} // namespace ui
+} // namespace dialogs

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace ui {
+namespace dialogs {
 
 QStringList SkriptDialogs::meldinger() const
 {
@@ -58,4 +58,4 @@ void SkriptDialogs::feilGrunn(const QString& grunn)
     if (vedGrunn) vedGrunn(grunn);
 }
 
-} // namespace ui
+} // namespace dialogs

@@ -13,7 +13,7 @@
 #include <variant>
 #include <vector>
 
-namespace ui {
+namespace dialogs {
 
 // Thrown for a question the script has no answer for. It is no std::exception,
 // so no command's own error path can take it for a failure of its own.
@@ -68,4 +68,4 @@ private:
     QStringList grunner_;
 };
 
-} // namespace ui
+} // namespace dialogs

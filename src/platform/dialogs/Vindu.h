@@ -8,7 +8,7 @@
 
 #include <vector>
 
-namespace ui {
+namespace dialogs {
 
 // Thrown out of behandleHendelser() when the user ends the program in the middle of a
 // command; it is no std::exception, so the command's own error path lets it pass.
@@ -100,4 +100,4 @@ private:
     Vindu& v_;
 };
 
-} // namespace ui
+} // namespace dialogs
