@@ -1,5 +1,5 @@
 // The import command on the real window (offscreen) with scripted dialogs and real database files.
-#include "analyse/AnalyseFelles.h"
+#include "felles/MedVindu.h"
 #include "files/Oppsett.h"
 
 #include <QDir>
@@ -13,7 +13,7 @@ namespace {
 
 using dialogs::Svar;
 
-QString testfil(const char* navn) { return QStringLiteral(TOLVIK_TESTDATA "/import/") + QLatin1String(navn); }
+QString testfil(const char* navn) { return QStringLiteral(TOLVIK_TESTDATA "/store/") + QLatin1String(navn); }
 
 const QByteArray GamleKolonner = "Gammel                    [C]\r\n";
 const QString Data = u"Data.mdb"_s, Kolonnefil = u"Kolonner.txt"_s;

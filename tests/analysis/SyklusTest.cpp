@@ -1,5 +1,5 @@
 #include "analysis/Sykluser.h"
-#include "AnalyseFelles.h"
+#include "felles/MedVindu.h"
 #include "store/Setninger.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "app/FrmGraph.h"
 #include "analysis/Graf.h"
-#include "AnalyseFelles.h"
+#include "felles/MedVindu.h"
 #include "platform/db/Masseinnsetting.h"
 
 #include <QPushButton>

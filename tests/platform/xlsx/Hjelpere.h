@@ -76,7 +76,7 @@ inline std::map<std::string, Oppforing> lesZip(const QString& sti) {
 
 // A part of the hand-made workbook in handlaget/, as stored there.
 inline std::string handlagetDel(const std::string& navn) {
-    QFile f(QStringLiteral(TOLVIK_TESTDATA "/xlsx/handlaget/") + QString::fromStdString(navn));
+    QFile f(QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/handlaget/") + QString::fromStdString(navn));
     EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << navn;
     return f.readAll().toStdString();
 }

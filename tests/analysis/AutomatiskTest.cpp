@@ -1,5 +1,5 @@
 #include "analysis/AutomatiskSoking.h"
-#include "AnalyseFelles.h"
+#include "felles/MedVindu.h"
 
 #include <QImage>
 
