@@ -22,6 +22,12 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
     EXPECT_EQ(bok.diagrammer(2, "tittel"), QVariantList({"Forsøk 7", "Forsøk 7"}));
     EXPECT_EQ(bok.diagrammer(2, "xmin").value(0), 11.0);  // first row 20:00 − 9 min
 
+    // A failure shows the export's one message; the cause goes to stderr for diagnosis.
+    r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "a/b"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.ut, QStringLiteral("Vil du lage excel-filer for 1 run?\n\n") + exports::FeilMelding + "\n\n");
+    EXPECT_EQ(r.feil, QStringLiteral("Ugyldig filnavn: a/b_2.xlsx\n"));
+
     EXPECT_EQ(batch({"export-single", "--prefix", "Nei", "--no"}).status, 0);
     EXPECT_FALSE(QFile::exists(ut(QStringLiteral("Nei_1.xlsx"))));
 }

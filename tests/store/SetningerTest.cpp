@@ -2,7 +2,7 @@
 #include "felles/Felles.h"
 #include "platform/db/Database.h"
 #include "platform/db/JetDialekt.h"
-#include "store/Maledata.h"
+#include "store/Setninger.h"
 
 #include <QFile>
 #include <gtest/gtest.h>
@@ -20,10 +20,10 @@ protected:
                      .arg(kolonner, QLatin1String(dato), verdier));
     }
 
-    QStringList datoer(const QString& sql)
+    static QStringList datoer(db::Recordset p)
     {
         QStringList ut;
-        for (auto p = db.spor(sql); !p.eof(); p.moveNext()) ut << p.dato("DatoTid").tidsnokkel();
+        for (; !p.eof(); p.moveNext()) ut << p.dato("DatoTid").tidsnokkel();
         return ut;
     }
 
@@ -33,7 +33,7 @@ protected:
 
 TEST_F(Setninger, InnsettingMedDagForstOgTall)
 {
-    db.utfor(QStringLiteral("Delete from Datalinjer"));
+    store::tomTabell(db);
     rad("23/11/2012 14:05:31", QStringLiteral("1.5, 2, 3"), QStringLiteral("C, D, E"));
     rad("01/02/2013 00:00:00", QStringLiteral(" 1.5E-03"));
     auto p = db.spor(QStringLiteral("Select * from dataLinjer"));
@@ -56,17 +56,20 @@ TEST_F(Setninger, UmuligDatoAvvises)
     EXPECT_TRUE(db.spor(QStringLiteral("Select * from dataLinjer")).eof());
 }
 
-TEST_F(Setninger, MinsteIdSomBetingelse)
+// Seconds after 23.11.2012 10:00:00.
+vb::Dato kl(int sek) { return vb::Dato::fra(2012, 11, 23, 10, sek / 60, sek % 60); }
+
+TEST_F(Setninger, ForsteRadITreFormer)
 {
-    const QString forste = QStringLiteral("Select * from datalinjer where (Select min(ID) from datalinjer)");
-    EXPECT_TRUE(db.spor(forste).eof());  // empty table: no row qualifies
+    EXPECT_FALSE(store::forsteRad(db));  // empty table: no row qualifies
+    EXPECT_FALSE(store::forsteTid(db));
+    EXPECT_FALSE(store::harRader(db));
     rad("23/11/2012 14:05:31", QStringLiteral("1"));
     rad("23/11/2012 14:05:29", QStringLiteral("2"));
-    EXPECT_EQ(db.spor(forste).tall("C"), 1);
-    EXPECT_EQ(db.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)"))
-                  .dato("DatoTid"),
-              vb::Dato::fra(2012, 11, 23, 14, 5, 31));
-    EXPECT_EQ(db.spor(QStringLiteral("Select * from Datalinjer where ID = (Select Min(ID) from Datalinjer)")).tall("C"), 1);
+    EXPECT_EQ(store::forsteRad(db)->tall("C"), 1);
+    EXPECT_EQ(store::forsteTid(db), vb::Dato::fra(2012, 11, 23, 14, 5, 31));
+    EXPECT_TRUE(store::harRader(db));
+    EXPECT_EQ(store::antallRader(db), 2);
 }
 
 TEST_F(Setninger, MinimumIgnorererTommeFeltOgGirAltidEnRad)
@@ -74,86 +77,60 @@ TEST_F(Setninger, MinimumIgnorererTommeFeltOgGirAltidEnRad)
     rad("23/11/2012 10:00:00", QStringLiteral("5, 1"), QStringLiteral("C, D"));
     rad("23/11/2012 10:00:02", QStringLiteral("3"));
     rad("23/11/2012 10:00:04", QStringLiteral("4, 7"), QStringLiteral("C, D"));
-    auto min = [&](const char* bokstav, const char* nokkel) {
-        return db.spor(QStringLiteral("Select min(%1) as Minimum from DataLinjer where format(DatoTid, "
-                                      "'YYYYMMDDHHNNSS') > '%2'")
-                           .arg(QLatin1String(bokstav), QLatin1String(nokkel)));
-    };
-    EXPECT_EQ(min("C", "20121123100000").tall("Minimum"), 3);
-    EXPECT_EQ(min("D", "20121123095959").tall("minimum"), 1);
-    EXPECT_EQ(min("D", "20121123100000").tall("Minimum"), 7);
-    auto etter = min("C", "20121123100004");
-    ASSERT_FALSE(etter.eof());
-    EXPECT_TRUE(etter.erNull("Minimum"));
+    EXPECT_EQ(store::minimum(db, QStringLiteral("C"), kl(0)), 3);
+    EXPECT_EQ(store::minimum(db, QStringLiteral("D"), vb::Dato::fra(2012, 11, 23, 9, 59, 59)), 1);
+    EXPECT_EQ(store::minimum(db, QStringLiteral("D"), kl(0)), 7);
+    EXPECT_EQ(store::minimum(db, QStringLiteral("C"), kl(4)), std::nullopt);
 }
 
 TEST_F(Setninger, TreffUnderTerskelITidsrekkefolge)
 {
-    rad("23/11/2012 10:00:00", QStringLiteral("1E-10"));
-    rad("23/11/2012 10:00:02", QStringLiteral("2E-10"));
-    rad("23/11/2012 10:00:04", QStringLiteral("3E-10"));
-    rad("23/11/2012 10:00:06", QStringLiteral("1E-10"));
-    const QString sql = QStringLiteral("Select DatoTid, C as Verdi from Datalinjer where C < %1 and format(DatoTid, "
-                                       "'YYYYMMDDHHNNSS') > '20121123100000' order by ID");
-    EXPECT_EQ(datoer(sql.arg(QStringLiteral(" 3E-10"))),
+    for (const char* v : {"1E-10", "2E-10", "3E-10", "1E-10"})
+        rad(QStringLiteral("23/11/2012 10:00:0%1").arg(2 * store::antallRader(db)).toLatin1().constData(),
+            QLatin1String(v));
+    EXPECT_EQ(datoer(store::treff(db, QStringLiteral("C"), QStringLiteral(" 3E-10"), kl(0))),
               (QStringList{QStringLiteral("20121123100002"), QStringLiteral("20121123100006")}));
-    EXPECT_EQ(db.spor(sql.arg(QStringLiteral("2.5E-10"))).tall("Verdi"), 2e-10);
+    EXPECT_EQ(store::treff(db, QStringLiteral("C"), QStringLiteral("2.5E-10"), kl(0)).tall("Verdi"), 2e-10);
 }
 
 TEST_F(Setninger, YtterpunktInnenforTidsrom)
 {
-    rad("23/11/2012 10:00:00", QStringLiteral("9"));  // larger, but outside the span
-    rad("23/11/2012 10:00:02", QStringLiteral("5"));
-    rad("23/11/2012 10:00:04", QStringLiteral("7"));
-    rad("23/11/2012 10:00:06", QStringLiteral("7"));
-    rad("23/11/2012 10:00:08", QStringLiteral("8"));  // at the exclusive upper bound
-    rad("23/11/2012 10:00:10", QStringLiteral("9"));
-    const QString tid = QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS')");
-    const QString snu = QStringLiteral("Select DatoTid from Datalinjer where C = (Select %1(C) from DataLinjer where "
-                                       "%2 >= '20121123100002' and %2 < '20121123100008') and %2 >= '20121123100002' "
-                                       "and %2 < '20121123100008'");
-    EXPECT_EQ(datoer(snu.arg(QStringLiteral("max"), tid)),
-              (QStringList{QStringLiteral("20121123100004"), QStringLiteral("20121123100006")}));
-    EXPECT_EQ(datoer(snu.arg(QStringLiteral("Min"), tid)), QStringList{QStringLiteral("20121123100002")});
-    const QString samle = QStringLiteral("Select DatoTid from Datalinjer where C = (Select max(C) from DataLinjer where "
-                                         "%1 > '20121123100000' and %1 < '20121123100010') and %1 > '20121123100000' "
-                                         "and %1 < '20121123100010'");
-    EXPECT_EQ(datoer(samle.arg(tid)), QStringList{QStringLiteral("20121123100008")});
+    for (const char* v : {"9", "5", "7", "7", "8", "9"})  // 10:00:00 and 10:00:10 lie outside the spans
+        rad(QStringLiteral("23/11/2012 10:00:%1").arg(2 * store::antallRader(db), 2, 10, QLatin1Char('0')).toLatin1().constData(),
+            QLatin1String(v));
+    const QString C = QStringLiteral("C");
+    // Turning points: from the first key inclusive to the second exclusive; the first of equal ones wins.
+    EXPECT_EQ(store::snuPunkt(db, kl(2), kl(8), false, C), kl(4));
+    EXPECT_EQ(store::snuPunkt(db, kl(2), kl(8), true, C), kl(2));
+    EXPECT_EQ(store::snuPunkt(db, kl(20), kl(30), true, C), vb::Dato());
+    // The combined export's maximum: both ends exclusive.
+    EXPECT_EQ(store::maksTid(db, C, kl(0), kl(10)), kl(8));
+    EXPECT_EQ(store::maksTid(db, C, kl(10), kl(20)), std::nullopt);
 }
 
 TEST_F(Setninger, VinduerMedApneOgLukkedeEnder)
 {
     for (const char* d : {"23/11/2012 10:00:00", "23/11/2012 10:00:02", "23/11/2012 10:00:04"})
         rad(d, QStringLiteral("1"));
-    const QString tid = QStringLiteral("format(DatoTid, 'YYYYMMDDHHNNSS')");
-    EXPECT_EQ(datoer(QStringLiteral("Select * from Datalinjer where %1 > '20121123100000' and %1 <= '20121123100004' "
-                                    "order by ID")
-                         .arg(tid)),
+    EXPECT_EQ(datoer(store::vinduRader(db, false, kl(0), kl(4))),
               (QStringList{QStringLiteral("20121123100002"), QStringLiteral("20121123100004")}));
-    EXPECT_EQ(datoer(QStringLiteral("Select * from Datalinjer where %1 >= '20121123100000' and %1 <= '20121123100002' "
-                                    "order by ID")
-                         .arg(tid)),
+    EXPECT_EQ(datoer(store::vinduRader(db, true, kl(0), kl(2))),
               (QStringList{QStringLiteral("20121123100000"), QStringLiteral("20121123100002")}));
 }
 
-TEST_F(Setninger, ResultatIIdRekkefolgeUtenOrderBy)
+TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)
 {
-    // Rows out of time order: the answer still follows ID, as the callers expect.
     rad("23/11/2012 10:00:04", QStringLiteral("1"));
     rad("23/11/2012 10:00:02", QStringLiteral("1"));
-    EXPECT_EQ(datoer(QStringLiteral("Select DatoTid from Datalinjer where C = (Select max(C) from DataLinjer where "
-                                    "format(DatoTid, 'YYYYMMDDHHNNSS') > '20121123100000' and format(DatoTid, "
-                                    "'YYYYMMDDHHNNSS') < '20121123100010') and format(DatoTid, 'YYYYMMDDHHNNSS') > "
-                                    "'20121123100000' and format(DatoTid, 'YYYYMMDDHHNNSS') < '20121123100010'")),
+    EXPECT_EQ(datoer(store::vinduRader(db, true, kl(0), kl(10))),
               (QStringList{QStringLiteral("20121123100004"), QStringLiteral("20121123100002")}));
-    EXPECT_EQ(db.spor(QStringLiteral("Select C from DataLinjer order by ID")).tall("C"), 1);
+    EXPECT_EQ(store::maksTid(db, QStringLiteral("C"), kl(0), kl(10)), kl(4));
+    EXPECT_EQ(store::kolonne(db, QStringLiteral("C")).tall("C"), 1);
 }
 
 TEST_F(Setninger, TidsnokkelBrukerIndeks)
 {
-    const QString sql = db::tilSqlite(QStringLiteral(
-        "Select * from Datalinjer where format(DatoTid, 'YYYYMMDDHHNNSS') > '20121123100000' and format(DatoTid, "
-        "'YYYYMMDDHHNNSS') <= '20121123100004' order by ID"));
+    const QString sql = db::tilSqlite(store::setning::vindu(false, kl(0), kl(4)));
     QString plan;
     for (auto p = db.spor(QStringLiteral("EXPLAIN QUERY PLAN ") + sql); !p.eof(); p.moveNext())
         plan += p.tekst("detail") + QLatin1Char('\n');
