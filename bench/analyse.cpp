@@ -19,13 +19,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <random>
+#include <sqlite3.h>
 #include <string>
 #include <vector>
-#include <sqlite3.h>
 
 namespace {
 
@@ -178,7 +178,7 @@ int mal(const QString& mappe)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv)
 {

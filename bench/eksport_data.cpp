@@ -66,8 +66,8 @@ int lagData(const QString& mappe)
             int aar, mnd, dag, time, min, sekund;
             tid.deler(aar, mnd, dag, time, min, sekund);
             tekster.push_back(tid.iso().toStdString());
-            tekster.push_back(QString::asprintf("%04d/%02d/%02d ,%02d:%02d:%02d,1.", aar, mnd, dag, time, min, sekund)
-                                  .toStdString());
+            tekster.push_back(
+                QString::asprintf("%04d/%02d/%02d ,%02d:%02d:%02d,1.", aar, mnd, dag, time, min, sekund).toStdString());
             verdier.push_back({kanalC(sek), 1e-12 * r, 3e-11, kanalF(sek), 5e-12, 7e-13});
         }
         std::vector<db::Masseinnsetting::Rad> rader;
@@ -119,7 +119,7 @@ int integrering(const QString& mappe)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv)
 {

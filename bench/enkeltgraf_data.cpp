@@ -36,7 +36,7 @@ QString tidTekst(const vb::Dato& t)
     return QString::asprintf("%04d/%02d/%02d ,%02d:%02d:%02d,1.", aar, mnd, dag, time, min, sek);
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv)
 {

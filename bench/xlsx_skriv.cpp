@@ -9,7 +9,8 @@
 #include <cstdlib>
 #include <ctime>
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv)
+{
     if (argc < 3) {
         std::fprintf(stderr, "bruk: %s MAL UTMAPPE [SYKLUSER] [RADER]\n", argv[0]);
         return 2;
@@ -26,8 +27,8 @@ int main(int argc, char** argv) {
         ark.settCelle(1, 15, 230.5 + s);
         for (int r = 0; r < rader; ++r) {
             int sek = r * 2;
-            ark.settCelle(r + 2, 1, QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", 10 + sek / 3600,
-                                                      sek / 60 % 60, sek % 60));
+            ark.settCelle(r + 2, 1,
+                          QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", 10 + sek / 3600, sek / 60 % 60, sek % 60));
             for (int k = 3; k <= 11; ++k) ark.settCelle(r + 2, k, 1e-10 * (1 + k) + r * 1e-14 + s * 1e-15);
         }
         auto& grafer = bok->ark(2);

@@ -7,7 +7,8 @@
 #include <stdlib.h>
 #include <time.h>
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv)
+{
     if (argc < 2) {
         fprintf(stderr, "bruk: %s UTMAPPE [SYKLUSER] [RADER]\n", argv[0]);
         return 2;
@@ -21,8 +22,8 @@ int main(int argc, char **argv) {
         char navn[4096], tekst[64];
         snprintf(navn, sizeof navn, "%s/peer_%d.xlsx", argv[1], s);
         lxw_workbook_options o = {.constant_memory = LXW_TRUE, .tmpdir = argv[1]};
-        lxw_workbook *bok = workbook_new_opt(navn, &o);
-        lxw_worksheet *ark = workbook_add_worksheet(bok, NULL);
+        lxw_workbook* bok = workbook_new_opt(navn, &o);
+        lxw_worksheet* ark = workbook_add_worksheet(bok, NULL);
         worksheet_write_number(ark, 0, 14, 230.5 + s, NULL);
         for (int r = 0; r < rader; ++r) {
             int sek = r * 2;

@@ -21,7 +21,8 @@
 /* Minutes from the time text in row forste to the one in row rad ("2012/11/23 ,14:05:31,1."):
  * whole days times 1440 plus the difference of the clock times, so that the result
  * carries no rounding error of a date serial. */
-static void minuttdifferanse(char *ut, size_t n, int rad, int forste) {
+static void minuttdifferanse(char* ut, size_t n, int rad, int forste)
+{
     snprintf(ut, n,
              "((DATE(VALUE(MID(A%1$d,1,4)),VALUE(MID(A%1$d,6,2)),VALUE(MID(A%1$d,9,2)))"
              "-DATE(VALUE(MID($A$%2$d,1,4)),VALUE(MID($A$%2$d,6,2)),VALUE(MID($A$%2$d,9,2))))*1440"
@@ -34,7 +35,8 @@ static void minuttdifferanse(char *ut, size_t n, int rad, int forste) {
 /* Clock minutes of the time text in row rad, counted from 7 July 2009 (day 40000): a
  * hidden helper column, so that each row's elapsed minutes are one subtraction. At
  * today's dates the value stays below 10^7 minutes, far inside double precision. */
-static void klokkeformel(char *ut, size_t n, int rad) {
+static void klokkeformel(char* ut, size_t n, int rad)
+{
     snprintf(ut, n,
              "=(DATE(VALUE(MID(A%1$d,1,4)),VALUE(MID(A%1$d,6,2)),VALUE(MID(A%1$d,9,2)))-40000)*1440"
              "+VALUE(MID(A%1$d,13,2))*60+VALUE(MID(A%1$d,16,2))+VALUE(MID(A%1$d,19,2))/60",
@@ -43,21 +45,24 @@ static void klokkeformel(char *ut, size_t n, int rad) {
 
 /* Elapsed minutes from the clock column: the offset cell plus this row's clock minus the
  * first row's; #N/A for a row without time, so charts leave it out. */
-static void forlopformel(char *ut, size_t n, int rad, const char *start, char klokke, int forste) {
+static void forlopformel(char* ut, size_t n, int rad, const char* start, char klokke, int forste)
+{
     snprintf(ut, n, "=IF(A%d=\"\",NA(),%s+%c%d-$%c$%d)", rad, start, klokke, rad, klokke, forste);
 }
 
 /* Minutes of row rad after the time in row forste, plus the offset cell start (NULL for
  * none), in one formula: #N/A for a row without time, so charts leave it out. */
-static void minuttformel(char *ut, size_t n, int rad, int forste, const char *start) {
+static void minuttformel(char* ut, size_t n, int rad, int forste, const char* start)
+{
     char d[1000];
     minuttdifferanse(d, sizeof d, rad, forste);
     snprintf(ut, n, "=IF(A%d=\"\",NA(),%s%s%s)", rad, start ? start : "", start ? "+" : "", d);
 }
 
 /* A sheet of charts, printed on one landscape page. */
-static lxw_worksheet *grafark(lxw_workbook *bok, const char *navn) {
-    lxw_worksheet *ark = workbook_add_worksheet(bok, navn);
+static lxw_worksheet* grafark(lxw_workbook* bok, const char* navn)
+{
+    lxw_worksheet* ark = workbook_add_worksheet(bok, navn);
     worksheet_set_landscape(ark);
     worksheet_fit_to_pages(ark, 1, 1);
     return ark;
@@ -67,7 +72,8 @@ typedef struct {
     lxw_format *overskrift, *tall, *tekst, *minutter, *merke;
 } Stiler;
 
-static Stiler lagStiler(lxw_workbook *bok) {
+static Stiler lagStiler(lxw_workbook* bok)
+{
     Stiler s;
     s.overskrift = workbook_add_format(bok);
     format_set_bold(s.overskrift);
@@ -93,19 +99,21 @@ static Stiler lagStiler(lxw_workbook *bok) {
 typedef struct {
     int fra, til;
     double bredde;
-    lxw_format *format;
+    lxw_format* format;
     int skjult;
 } Kolonne;
 
-static void kolonner(lxw_worksheet *ark, const Kolonne *k, int antall) {
+static void kolonner(lxw_worksheet* ark, const Kolonne* k, int antall)
+{
     for (int i = 0; i < antall; ++i) {
         lxw_row_col_options o = {.hidden = (uint8_t)k[i].skjult};
         worksheet_set_column_opt(ark, (lxw_col_t)k[i].fra, (lxw_col_t)k[i].til, k[i].bredde, k[i].format, &o);
     }
 }
 
-static lxw_chart *spredningsdiagram(lxw_workbook *bok, const char *tittel, const char *xTittel) {
-    lxw_chart *d = workbook_add_chart(bok, LXW_CHART_SCATTER_STRAIGHT);
+static lxw_chart* spredningsdiagram(lxw_workbook* bok, const char* tittel, const char* xTittel)
+{
+    lxw_chart* d = workbook_add_chart(bok, LXW_CHART_SCATTER_STRAIGHT);
     chart_title_set_name(d, tittel);
     chart_axis_set_name(d->x_axis, xTittel);
     chart_axis_set_name(d->y_axis, "Ionestrøm (A)");
@@ -117,8 +125,9 @@ static lxw_chart *spredningsdiagram(lxw_workbook *bok, const char *tittel, const
     return d;
 }
 
-static lxw_chart_series *serie(lxw_chart *d, const char *ark, int forste, int siste, int xKol, int yKol) {
-    lxw_chart_series *s = chart_add_series(d, NULL, NULL);
+static lxw_chart_series* serie(lxw_chart* d, const char* ark, int forste, int siste, int xKol, int yKol)
+{
+    lxw_chart_series* s = chart_add_series(d, NULL, NULL);
     chart_series_set_categories(s, ark, forste, xKol, siste, xKol);
     chart_series_set_values(s, ark, forste, yKol, siste, yKol);
     chart_series_set_name_range(s, ark, 0, yKol);
@@ -127,19 +136,22 @@ static lxw_chart_series *serie(lxw_chart *d, const char *ark, int forste, int si
     return s;
 }
 
-static void plasser(lxw_worksheet *ark, int rad, int kol, lxw_chart *d, double xSkala, double ySkala) {
+static void plasser(lxw_worksheet* ark, int rad, int kol, lxw_chart* d, double xSkala, double ySkala)
+{
     lxw_chart_options o = {.x_offset = 10, .y_offset = 5, .x_scale = xSkala, .y_scale = ySkala};
     worksheet_insert_chart_opt(ark, (lxw_row_t)rad, (lxw_col_t)kol, d, &o);
 }
 
 /* Constant-memory mode: the charts get no cached copy of the data, so a reader
  * takes the series from the cells. Rows must then be written in order. */
-static lxw_workbook *ny(const char *fil) {
+static lxw_workbook* ny(const char* fil)
+{
     lxw_workbook_options o = {.constant_memory = LXW_TRUE};
     return workbook_new_opt(fil, &o);
 }
 
-static void ferdig(lxw_workbook *bok, const char *navn) {
+static void ferdig(lxw_workbook* bok, const char* navn)
+{
     lxw_error f = workbook_close(bok);
     if (f != LXW_NO_ERROR) {
         fprintf(stderr, "%s: %s\n", navn, lxw_strerror(f));
@@ -147,7 +159,8 @@ static void ferdig(lxw_workbook *bok, const char *navn) {
     }
 }
 
-static char *sti(const char *mappe, const char *navn) {
+static char* sti(const char* mappe, const char* navn)
+{
     static char buf[4096];
     snprintf(buf, sizeof buf, "%s/%s", mappe, navn);
     return buf;
@@ -155,11 +168,12 @@ static char *sti(const char *mappe, const char *navn) {
 
 /* ---------------------------------------------------------------- Mal_Sykluser.xlsx */
 
-static void lagSykluser(const char *mappe) {
-    lxw_workbook *bok = ny(sti(mappe, "Mal_Sykluser.xlsx"));
+static void lagSykluser(const char* mappe)
+{
+    lxw_workbook* bok = ny(sti(mappe, "Mal_Sykluser.xlsx"));
     Stiler s = lagStiler(bok);
-    lxw_worksheet *data = workbook_add_worksheet(bok, "Data");
-    lxw_worksheet *grafer = grafark(bok, "Grafer");
+    lxw_worksheet* data = workbook_add_worksheet(bok, "Data");
+    lxw_worksheet* grafer = grafark(bok, "Grafer");
 
     worksheet_write_string(data, 0, 0, "Dato og tid", s.overskrift);
     worksheet_write_string(data, 0, 1, "Minutter fra datastart", s.overskrift);
@@ -171,8 +185,8 @@ static void lagSykluser(const char *mappe) {
     worksheet_write_string(data, 0, 11, "Merknad", s.overskrift);
     worksheet_write_string(data, 0, 13, "Start (min fra datastart)", s.overskrift);
     worksheet_write_number(data, 0, 14, 0, s.merke);
-    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 10, 12, s.tall}, {11, 11, 14, NULL},
-                               {13, 13, 16, NULL}, {14, 14, 10, NULL}};
+    const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 10, 12, s.tall},
+                               {11, 11, 14, NULL},  {13, 13, 16, NULL},     {14, 14, 10, NULL}};
     kolonner(data, bredder, 6);
     worksheet_freeze_panes(data, 1, 1);
     for (int rad = 2; rad <= SYKLUS_RADER + 1; ++rad) {
@@ -181,10 +195,10 @@ static void lagSykluser(const char *mappe) {
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
     }
 
-    lxw_chart *co2 = spredningsdiagram(bok, "Syklus – kanal C", "Minutter fra datastart");
+    lxw_chart* co2 = spredningsdiagram(bok, "Syklus – kanal C", "Minutter fra datastart");
     serie(co2, "Data", 1, SYKLUS_RADER, 1, 2);
     plasser(grafer, 1, 1, co2, 1.8, 1.4);
-    lxw_chart *andre = spredningsdiagram(bok, "Syklus – kanal D til K", "Minutter fra datastart");
+    lxw_chart* andre = spredningsdiagram(bok, "Syklus – kanal D til K", "Minutter fra datastart");
     for (int k = 3; k <= 10; ++k) serie(andre, "Data", 1, SYKLUS_RADER, 1, k);
     plasser(grafer, 24, 1, andre, 1.8, 1.4);
     ferdig(bok, "Mal_Sykluser.xlsx");
@@ -194,29 +208,39 @@ static void lagSykluser(const char *mappe) {
 
 /* A package without a VBA part but with the macro-enabled workbook type, the
  * form a macro-enabled template takes before anyone adds macros to it. */
-static void makroType(const char *fil) {
+static void makroType(const char* fil)
+{
     int feil = 0;
-    zip_t *z = zip_open(fil, 0, &feil);
-    if (!z) { fprintf(stderr, "%s: kan ikke åpnes\n", fil); exit(1); }
-    const char *navn = "[Content_Types].xml";
+    zip_t* z = zip_open(fil, 0, &feil);
+    if (!z) {
+        fprintf(stderr, "%s: kan ikke åpnes\n", fil);
+        exit(1);
+    }
+    const char* navn = "[Content_Types].xml";
     zip_stat_t st;
-    zip_file_t *f = NULL;
-    if (zip_stat(z, navn, 0, &st) != 0 || !(f = zip_fopen(z, navn, 0))) { fprintf(stderr, "%s: mangler typer\n", fil); exit(1); }
-    char *xml = malloc(st.size + 1);
+    zip_file_t* f = NULL;
+    if (zip_stat(z, navn, 0, &st) != 0 || !(f = zip_fopen(z, navn, 0))) {
+        fprintf(stderr, "%s: mangler typer\n", fil);
+        exit(1);
+    }
+    char* xml = malloc(st.size + 1);
     zip_fread(f, xml, st.size);
     xml[st.size] = 0;
     zip_fclose(f);
-    const char *gammel = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
-    const char *ny = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
-    char *p = strstr(xml, gammel);
-    if (!p) { fprintf(stderr, "%s: uventet innholdstype\n", fil); exit(1); }
+    const char* gammel = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+    const char* ny = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
+    char* p = strstr(xml, gammel);
+    if (!p) {
+        fprintf(stderr, "%s: uventet innholdstype\n", fil);
+        exit(1);
+    }
     size_t lengde = strlen(xml) - strlen(gammel) + strlen(ny);
-    char *ut = malloc(lengde + 1);
+    char* ut = malloc(lengde + 1);
     size_t foran = (size_t)(p - xml);
     memcpy(ut, xml, foran);
     strcpy(ut + foran, ny);
     strcat(ut, p + strlen(gammel));
-    zip_source_t *kilde = zip_source_buffer(z, ut, strlen(ut), 1);
+    zip_source_t* kilde = zip_source_buffer(z, ut, strlen(ut), 1);
     if (!kilde || zip_file_replace(z, (zip_uint64_t)zip_name_locate(z, navn, 0), kilde, 0) != 0 || zip_close(z) != 0) {
         fprintf(stderr, "%s: kan ikke skrives\n", fil);
         exit(1);
@@ -224,13 +248,14 @@ static void makroType(const char *fil) {
     free(xml);
 }
 
-static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) {
+static void lagSamlefil(const char* mappe, const char* fil, const char* tittel)
+{
     char navn[4096];
     snprintf(navn, sizeof navn, "%s", sti(mappe, fil));
-    lxw_workbook *bok = ny(navn);
+    lxw_workbook* bok = ny(navn);
     Stiler s = lagStiler(bok);
-    lxw_worksheet *data = workbook_add_worksheet(bok, "Sykluser");
-    lxw_worksheet *graf = grafark(bok, "Samlegraf");
+    lxw_worksheet* data = workbook_add_worksheet(bok, "Sykluser");
+    lxw_worksheet* graf = grafark(bok, "Samlegraf");
 
     worksheet_write_string(data, 0, 0, "Dato og tid (syklus 1)", s.overskrift);
     worksheet_write_string(data, 0, 1, "Minutter fra nullpunkt", s.overskrift);
@@ -247,7 +272,7 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
         minuttformel(f, sizeof f, rad, 2, NULL);
         worksheet_write_formula(data, (lxw_row_t)(rad - 1), 1, f, s.minutter);
     }
-    lxw_chart *d = spredningsdiagram(bok, tittel, "Minutter fra nullpunkt");
+    lxw_chart* d = spredningsdiagram(bok, tittel, "Minutter fra nullpunkt");
     chart_legend_set_position(d, LXW_CHART_LEGEND_RIGHT);
     for (int k = 1; k <= SAMLE_SYKLUSER; ++k) serie(d, "Sykluser", 1, SAMLE_SISTE_RAD - 1, 1, k + 1);
     plasser(graf, 1, 1, d, 2.2, 1.8);
@@ -257,24 +282,26 @@ static void lagSamlefil(const char *mappe, const char *fil, const char *tittel) 
 
 /* ---------------------------------------------------------------- Mal_Integrering_desorpsjon_Enkel.xlsx */
 
-static void lagIntegrering(const char *mappe) {
-    lxw_workbook *bok = ny(sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"));
+static void lagIntegrering(const char* mappe)
+{
+    lxw_workbook* bok = ny(sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"));
     Stiler s = lagStiler(bok);
-    lxw_worksheet *data = workbook_add_worksheet(bok, "Integrering");
-    lxw_worksheet *graf = grafark(bok, "Graf");
-    lxw_format *tittel = workbook_add_format(bok);
+    lxw_worksheet* data = workbook_add_worksheet(bok, "Integrering");
+    lxw_worksheet* graf = grafark(bok, "Graf");
+    lxw_format* tittel = workbook_add_format(bok);
     format_set_bold(tittel);
     format_set_font_size(tittel, 13);
 
     worksheet_set_row(data, 1, 30, NULL);
     worksheet_write_string(data, 0, 0, "CO2-integrering av desorpsjonstoppen", tittel);
-    const char *overskrifter[] = {"Dato og tid", "Minutter fra datastart", "CO2", "CO2 over startnivå",
-                                  "Kutt (0)", "Halv endring", "Arealbit (A·min)", "Klokke (min)"};
+    const char* overskrifter[] = {
+        "Dato og tid",  "Minutter fra datastart", "CO2",         "CO2 over startnivå", "Kutt (0)",
+        "Halv endring", "Arealbit (A·min)",       "Klokke (min)"};
     for (int k = 0; k < 8; ++k) worksheet_write_string(data, 1, (lxw_col_t)k, overskrifter[k], s.overskrift);
     worksheet_write_string(data, 1, 9, "Start (min)", s.overskrift);
     worksheet_write_number(data, 1, 10, 0, s.merke);
     const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, 3, 13, s.tall}, {4, 4, 8, NULL},
-                               {5, 6, 13, s.tall},  {7, 7, 12, NULL, 1},    {9, 10, 12, NULL},    {11, 11, 18, s.tall}};
+                               {5, 6, 13, s.tall},  {7, 7, 12, NULL, 1},    {9, 10, 12, NULL},  {11, 11, 18, s.tall}};
     kolonner(data, bredder, 8);
     worksheet_freeze_panes(data, 2, 1);
     for (int rad = 3; rad <= INTEGRERING_SISTE_RAD; ++rad) {
@@ -298,7 +325,7 @@ static void lagIntegrering(const char *mappe) {
         }
     }
 
-    lxw_chart *d = spredningsdiagram(bok, "CO2 – desorpsjonstopp", "Minutter fra datastart");
+    lxw_chart* d = spredningsdiagram(bok, "CO2 – desorpsjonstopp", "Minutter fra datastart");
     chart_series_set_name(serie(d, "Integrering", 2, INTEGRERING_SISTE_RAD - 1, 1, 2), "CO2");
     plasser(graf, 1, 1, d, 1.8, 1.4);
     ferdig(bok, "Mal_Integrering_desorpsjon_Enkel.xlsx");
@@ -306,10 +333,11 @@ static void lagIntegrering(const char *mappe) {
 
 /* ---------------------------------------------------------------- Mal_desorpsjon_areal_alle.xlsx */
 
-static void lagArealer(const char *mappe) {
-    lxw_workbook *bok = ny(sti(mappe, "Mal_desorpsjon_areal_alle.xlsx"));
+static void lagArealer(const char* mappe)
+{
+    lxw_workbook* bok = ny(sti(mappe, "Mal_desorpsjon_areal_alle.xlsx"));
     Stiler s = lagStiler(bok);
-    lxw_worksheet *ark = workbook_add_worksheet(bok, "Arealer");
+    lxw_worksheet* ark = workbook_add_worksheet(bok, "Arealer");
     worksheet_write_string(ark, 0, 0, "Syklus", s.overskrift);
     worksheet_write_string(ark, 0, 1, "CO2-areal (A·min)", s.overskrift);
     worksheet_set_column(ark, 0, 0, 8, NULL);
@@ -317,13 +345,13 @@ static void lagArealer(const char *mappe) {
     worksheet_freeze_panes(ark, 1, 0);
     for (int k = 1; k <= AREAL_SYKLUSER; ++k) worksheet_write_number(ark, (lxw_row_t)k, 0, k, NULL);
 
-    lxw_chart *d = workbook_add_chart(bok, LXW_CHART_COLUMN);
+    lxw_chart* d = workbook_add_chart(bok, LXW_CHART_COLUMN);
     chart_title_set_name(d, "CO2-areal per syklus");
     chart_axis_set_name(d->x_axis, "Syklus");
     chart_axis_set_name(d->y_axis, "CO2-areal (A·min)");
     chart_axis_set_num_format(d->y_axis, "0.00E+00");
     chart_legend_set_position(d, LXW_CHART_LEGEND_NONE);
-    lxw_chart_series *serie = chart_add_series(d, NULL, NULL);
+    lxw_chart_series* serie = chart_add_series(d, NULL, NULL);
     chart_series_set_categories(serie, "Arealer", 1, 0, AREAL_SYKLUSER, 0);
     chart_series_set_values(serie, "Arealer", 1, 1, AREAL_SYKLUSER, 1);
     chart_series_set_name_range(serie, "Arealer", 0, 1);
@@ -331,7 +359,8 @@ static void lagArealer(const char *mappe) {
     ferdig(bok, "Mal_desorpsjon_areal_alle.xlsx");
 }
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv)
+{
     if (argc != 2) {
         fprintf(stderr, "bruk: lag_maler MAPPE\n");
         return 2;

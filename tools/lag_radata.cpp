@@ -7,10 +7,10 @@
 // Header "Date,Time,N2,O2,Ar,CO2,...," then one line per logged sample "2013/01/07,08:00:02,
 // 4.9981E-09,...," (CR LF, trailing comma) with ion currents in E-notation. The rig first runs
 // a start-up period (pump-down, signals settling), then cycles of 200 minutes: CO2 (the fourth
-// channel, column F as the lab's logger has it; the last one in a narrower file) falls to a low plateau about 2500 times below its feed level while the sorbent takes
-// it up, then rises again through breakthrough into the desorption peak and settles back to the
-// feed level. Samples come every SEK seconds (default 2) with a little jitter; now and then the
-// logger misses 20 to 90 seconds, never inside a plateau, so a plateau stays one run of rows.
+// channel, column F as the lab's logger has it; the last one in a narrower file) falls to a low plateau about 2500
+// times below its feed level while the sorbent takes it up, then rises again through breakthrough into the desorption
+// peak and settles back to the feed level. Samples come every SEK seconds (default 2) with a little jitter; now and
+// then the logger misses 20 to 90 seconds, never inside a plateau, so a plateau stays one run of rows.
 //
 // --hours H gives H hours of samples. --lines N gives N lines; when N samples at the interval
 // would span more than 30 cycles, the interval shrinks so that the file holds the start-up,
@@ -36,7 +36,7 @@ struct Kanal {
     double niva;  // feed level, A
 };
 
-const Kanal Kanaler[] = {{"N2", 1.2e-8},  {"O2", 3.1e-9},  {"Ar", 1.4e-10}, {"CO2", 5.0e-9}, {"H2O", 6.0e-11},
+const Kanal Kanaler[] = {{"N2", 1.2e-8},  {"O2", 3.1e-9},   {"Ar", 1.4e-10}, {"CO2", 5.0e-9}, {"H2O", 6.0e-11},
                          {"He", 2.2e-11}, {"CH4", 8.5e-12}, {"CO", 4.0e-12}, {"H2", 2.5e-12}, {"NO", 9.0e-13}};
 constexpr int Co2Plass = 3;
 
@@ -74,7 +74,7 @@ bool iPlateau(double minutt, double oppstart)
 double annenKanal(int k, double minutt, double oppstart)
 {
     const double m = minutt < oppstart ? -1.0 : std::fmod(minutt - oppstart, SyklusMin);
-    double r = 1.0 + 0.02 * std::sin(minutt / (90.0 + 17.0 * k));  // slow drift
+    double r = 1.0 + 0.02 * std::sin(minutt / (90.0 + 17.0 * k));                            // slow drift
     if (m >= 120.0 && m < 150.0) r *= 1.0 - 0.08 * std::sin((m - 120.0) / 30.0 * M_PI) / k;  // purge during heating
     return r;
 }
@@ -87,7 +87,7 @@ int bruk()
     return 2;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv)
 {
@@ -99,19 +99,28 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
         const bool harVerdi = i + 1 < argc;
-        if (a == "--lines" && harVerdi) linjer = std::atoll(argv[++i]);
-        else if (a == "--hours" && harVerdi) timer = std::atof(argv[++i]);
-        else if (a == "--channels" && harVerdi) kanaler = std::atoi(argv[++i]);
-        else if (a == "--seed" && harVerdi) seed = std::strtoul(argv[++i], nullptr, 10);
-        else if (a == "--interval" && harVerdi) intervall = std::atof(argv[++i]);
-        else if (a == "--startup" && harVerdi) oppstart = std::atof(argv[++i]);
-        else if (a.rfind("--", 0) != 0 && !utfil) utfil = argv[i];
-        else return bruk();
+        if (a == "--lines" && harVerdi)
+            linjer = std::atoll(argv[++i]);
+        else if (a == "--hours" && harVerdi)
+            timer = std::atof(argv[++i]);
+        else if (a == "--channels" && harVerdi)
+            kanaler = std::atoi(argv[++i]);
+        else if (a == "--seed" && harVerdi)
+            seed = std::strtoul(argv[++i], nullptr, 10);
+        else if (a == "--interval" && harVerdi)
+            intervall = std::atof(argv[++i]);
+        else if (a == "--startup" && harVerdi)
+            oppstart = std::atof(argv[++i]);
+        else if (a.rfind("--", 0) != 0 && !utfil)
+            utfil = argv[i];
+        else
+            return bruk();
     }
     if (!utfil || (linjer >= 0 && timer >= 0) || kanaler < 1 || kanaler > MaksKanaler || !(intervall > 0) ||
         oppstart < 0)
         return bruk();
-    if (linjer < 0) linjer = static_cast<long long>((timer >= 0 ? timer : 6.0) * 3600.0 / intervall);
+    if (linjer < 0)
+        linjer = static_cast<long long>((timer >= 0 ? timer : 6.0) * 3600.0 / intervall);
     else {
         const double lengsteSek = (oppstart + MaksSykluser * SyklusMin + PlateauTil) * 60.0;
         if (linjer * intervall > lengsteSek) intervall = lengsteSek / static_cast<double>(linjer);
@@ -132,7 +141,7 @@ int main(int argc, char** argv)
     std::mt19937_64 tilfeldig(seed);
     std::normal_distribution<double> stoy(0.0, 1.0);
     std::uniform_real_distribution<double> enhet(0.0, 1.0);
-    const time_t start = 1357545600;  // 2013-01-07 08:00:00 (read as UTC)
+    const time_t start = 1357545600;                // 2013-01-07 08:00:00 (read as UTC)
     const double gapPerSek = 1.0 / (7.0 * 3600.0);  // about one logging gap every seven hours
 
     double t = 0.0;
@@ -140,7 +149,8 @@ int main(int argc, char** argv)
     for (long long n = 0; n < linjer; ++n) {
         t += intervall * (1.0 + 0.1 * std::max(-2.5, std::min(2.5, stoy(tilfeldig))));
         const double minutt = t / 60.0;
-        if (!iPlateau(minutt, oppstart) && enhet(tilfeldig) < gapPerSek * intervall) t += 20.0 + 70.0 * enhet(tilfeldig);
+        if (!iPlateau(minutt, oppstart) && enhet(tilfeldig) < gapPerSek * intervall)
+            t += 20.0 + 70.0 * enhet(tilfeldig);
 
         const time_t sek = start + static_cast<time_t>(t);
         std::tm tm{};

@@ -9,11 +9,9 @@
 #include <cmath>
 #include <vector>
 
-namespace analysis
-{
+namespace analysis {
 
-namespace
-{
+namespace {
 
 // One group of hit rows: its first and its last row's time.
 struct Gruppe {
@@ -109,7 +107,7 @@ Utfall sokAutomatisk(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace
+}  // namespace
 
 Utfall Command11_Click(Kontekst& k)
 {
@@ -120,9 +118,9 @@ Utfall Command11_Click(Kontekst& k)
     try {
         return sokAutomatisk(k);
     } catch (const std::exception& e) {
-        k.dialogs.feilGrunn(e); // this search ends without a message on every failure
+        k.dialogs.feilGrunn(e);  // this search ends without a message on every failure
         return Utfall::Avvist;
     }
 }
 
-} // namespace analysis
+}  // namespace analysis

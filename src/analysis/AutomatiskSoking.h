@@ -5,13 +5,13 @@
 
 #include "platform/Kontekst.h"
 
-namespace analysis
-{
+namespace analysis {
 
-inline const dialogs::Sporsmal SporAntallSykluser{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Antall sykluser som skal brukes"),
-                                             QStringLiteral("Antall sykluser:")};
+inline const dialogs::Sporsmal SporAntallSykluser{dialogs::Sporsmal::Art::Inndata,
+                                                  QStringLiteral("Antall sykluser som skal brukes"),
+                                                  QStringLiteral("Antall sykluser:")};
 
 // Button "Automatisk søking" (hidden in the window).
 Utfall Command11_Click(Kontekst& k);
 
-} // namespace analysis
+}  // namespace analysis

@@ -5,8 +5,7 @@
 #include "store/Maledata.h"
 #include "store/Setninger.h"
 
-namespace analysis
-{
+namespace analysis {
 
 int32_t provesteg(int32_t rader)
 {
@@ -53,4 +52,4 @@ Utfall Command8_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace analysis
+}  // namespace analysis

@@ -4,8 +4,7 @@
 
 #include "platform/Kontekst.h"
 
-namespace analysis
-{
+namespace analysis {
 
 inline constexpr int MaksPunkter = 30000;
 
@@ -15,4 +14,4 @@ Utfall Command8_Click(Kontekst& k);
 // Every s-th row is drawn: 1 up to 30000 rows, else rows / 30000 rounded half to even.
 int32_t provesteg(int32_t rader);
 
-} // namespace analysis
+}  // namespace analysis

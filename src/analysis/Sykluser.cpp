@@ -4,15 +4,13 @@
 #include "files/Tekstfil.h"
 #include "store/Setninger.h"
 
-namespace analysis
-{
+namespace analysis {
 
-namespace
-{
+namespace {
 
 const QString Feilmelding = QStringLiteral("Det oppstod en feil i denne rutinen");
 
-} // namespace
+}  // namespace
 
 bool erGap(const vb::Dato& forrige, const vb::Dato& neste) { return std::abs(vb::sekunderMellom(forrige, neste)) > 10; }
 
@@ -28,8 +26,7 @@ bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel
     return true;
 }
 
-namespace
-{
+namespace {
 
 // The search itself; every failure leaves it with the busy pointer already restored.
 Utfall finnSykluser(Kontekst& k)
@@ -86,7 +83,7 @@ Utfall finnSykluser(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace
+}  // namespace
 
 Utfall Command7_Click(Kontekst& k)
 {
@@ -103,4 +100,4 @@ Utfall Command7_Click(Kontekst& k)
     }
 }
 
-} // namespace analysis
+}  // namespace analysis

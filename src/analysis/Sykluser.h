@@ -5,16 +5,16 @@
 
 #include "platform/Kontekst.h"
 
-namespace analysis
-{
+namespace analysis {
 
 inline const QString IngenData = QStringLiteral("Ingen data importert");
 
 // The questions of the cycle searches.
-inline const dialogs::Sporsmal SporStart{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Start søking etter X minutter"),
-                                    QStringLiteral("Start søking")};
+inline const dialogs::Sporsmal SporStart{
+    dialogs::Sporsmal::Art::Inndata, QStringLiteral("Start søking etter X minutter"), QStringLiteral("Start søking")};
 inline const dialogs::Sporsmal SporTerskel{
-    dialogs::Sporsmal::Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi søkeverdien som skal brukes under:"),
+    dialogs::Sporsmal::Art::Inndata,
+    QStringLiteral("Den minste verdien er %1. Oppgi søkeverdien som skal brukes under:"),
     QStringLiteral("Minste verdi")};
 inline const dialogs::Sporsmal SporForslag{
     dialogs::Sporsmal::Art::JaNei,
@@ -33,4 +33,4 @@ bool erGap(const vb::Dato& forrige, const vb::Dato& neste);
 bool foreslaVerdier(Kontekst& k, int N, const QString& W, const QString& terskel, const vb::Dato& F, int64_t M,
                     int64_t I);
 
-} // namespace analysis
+}  // namespace analysis

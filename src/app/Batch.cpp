@@ -8,20 +8,20 @@
 #include "export/Graftittel.h"
 #include "export/Integrering.h"
 #include "export/Samlefil.h"
-#include "store/Import.h"
 #include "files/Tekstfil.h"
 #include "platform/dialogs/SkriptDialogs.h"
+#include "store/Import.h"
 
 #include <QApplication>
 #include <QDialog>
-#include <QPixmap>
 #include <QFileInfo>
+#include <QPixmap>
 #include <cstdio>
 #include <filesystem>
-#include <string>
-#include <unistd.h>
 #include <functional>
 #include <optional>
+#include <string>
+#include <unistd.h>
 
 namespace app {
 
@@ -56,7 +56,8 @@ public:
     }
     QString posisjon(const QString& hva)
     {
-        if (a_.isEmpty() || a_.first().startsWith(QStringLiteral("--"))) throw BrukFeil{hva + QStringLiteral(" mangler")};
+        if (a_.isEmpty() || a_.first().startsWith(QStringLiteral("--")))
+            throw BrukFeil{hva + QStringLiteral(" mangler")};
         return a_.takeFirst();
     }
     void ferdig() const
@@ -212,9 +213,8 @@ const std::vector<std::pair<QString, Kommando>>& kommandoer()
     return alle;
 }
 
-const char* const Bruk =
-    "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]\n"
-    "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
+const char* const Bruk = "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]\n"
+                         "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
 
 struct Globalt {
     QString mappe;
@@ -242,8 +242,9 @@ Globalt lesGlobalt(const QStringList& args)
         } else if (a == QLatin1String("--set")) {
             const QString v = neste(a);
             const qsizetype lik = v.indexOf(QLatin1Char('='));
-            const auto boks = std::find_if(std::begin(dialogs::Innstillinger), std::end(dialogs::Innstillinger),
-                                           [&](const dialogs::Innstilling& i) { return v.left(lik) == QLatin1String(i.navn); });
+            const auto boks =
+                std::find_if(std::begin(dialogs::Innstillinger), std::end(dialogs::Innstillinger),
+                             [&](const dialogs::Innstilling& i) { return v.left(lik) == QLatin1String(i.navn); });
             if (lik < 0 || boks == std::end(dialogs::Innstillinger))
                 throw BrukFeil{QStringLiteral("--set venter TextN=VERDI med N 1 til 6, ikke ") + v};
             g.sett.append({boks->boks, v.mid(lik + 1)});
@@ -251,7 +252,8 @@ Globalt lesGlobalt(const QStringList& args)
             g.kolonne = neste(a);
         } else if (a == QLatin1String("--adsorption") || a == QLatin1String("--desorption")) {
             const bool ads = a == QLatin1String("--adsorption");
-            if (g.adsorpsjon && *g.adsorpsjon != ads) throw BrukFeil{QStringLiteral("--adsorption eller --desorption, ikke begge")};
+            if (g.adsorpsjon && *g.adsorpsjon != ads)
+                throw BrukFeil{QStringLiteral("--adsorption eller --desorption, ikke begge")};
             g.adsorpsjon = ads;
         } else if (a == QLatin1String("--save-settings")) {
             g.lagre = true;
@@ -293,7 +295,7 @@ void sikreKjoremappe()
     if (!feil) qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(mappe.string()));
 }
 
-} // namespace
+}  // namespace
 
 int kjorBatch(int argc, char** argv)
 {
@@ -329,4 +331,4 @@ int kjorBatch(int argc, char** argv)
     }
 }
 
-} // namespace app
+}  // namespace app

@@ -13,4 +13,4 @@ namespace app {
 
 int kjorBatch(int argc, char** argv);
 
-} // namespace app
+}  // namespace app

@@ -4,11 +4,11 @@
 #include "analysis/Graf.h"
 #include "analysis/Sykluser.h"
 #include "app/FrmGraph.h"
-#include "export/Integrering.h"
-#include "export/Samlefil.h"
 #include "export/Enkeltgraf.h"
 #include "export/Graftittel.h"
+#include "export/Integrering.h"
 #include "export/Malprove.h"
+#include "export/Samlefil.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 #include "store/Import.h"
@@ -72,7 +72,7 @@ QLineEdit* settingBoks(QWidget* eier, const char* navn, const QString& tekst, in
     return t;
 }
 
-} // namespace
+}  // namespace
 
 namespace app {
 
@@ -108,18 +108,21 @@ void Form1::byggKontroller()
     Combo1->setEditable(false);
     auto* Command8 = knapp(Frame3, "Command8", QStringLiteral("3.  Graf (viser hele fila)"), 120, 1320, 3000,
                            QStringLiteral("Lager en graf (oversikt) over hele fila"));
-    auto* Command7 = knapp(Frame3, "Command7", QStringLiteral("4.  Finn antall sykluser"), 120, 1800, 3000,
-                           QStringLiteral("Finner antall sykluser og tiden mellom dem, samt  startpkt. for første syklus"));
+    auto* Command7 =
+        knapp(Frame3, "Command7", QStringLiteral("4.  Finn antall sykluser"), 120, 1800, 3000,
+              QStringLiteral("Finner antall sykluser og tiden mellom dem, samt  startpkt. for første syklus"));
     Option1 = plasser(new QRadioButton(QStringLiteral("Adsorpsjon"), Frame3), "Option1", 240, 2325, 1335, 255);
     Option1->setToolTip(QStringLiteral("Minimum"));
     Option2 = plasser(new QRadioButton(QStringLiteral("Desorpsjon"), Frame3), "Option2", 1680, 2325, 1335, 255);
     Option2->setToolTip(QStringLiteral("Maximum"));
-    auto* Command4 = knapp(Frame3, "Command4", QStringLiteral("6.  Rediger samlegraf"), 120, 2760, 3000,
-                           QStringLiteral("Skriv inn ønsket tekst i graf. Exel-arket må lagres med data synlig (ikke grafen)"));
+    auto* Command4 =
+        knapp(Frame3, "Command4", QStringLiteral("6.  Rediger samlegraf"), 120, 2760, 3000,
+              QStringLiteral("Skriv inn ønsket tekst i graf. Exel-arket må lagres med data synlig (ikke grafen)"));
     auto* Command5 = knapp(Frame3, "Command5", QStringLiteral("7.  Lag samlegraf"), 120, 3240, 3000,
                            QStringLiteral("Alle syklusene legges opp-på hverandre med tilnærmetlikt 0-punkt"));
-    auto* Command9 = knapp(Frame3, "Command9", QStringLiteral("8.  Rediger enkeltgraf"), 120, 3720, 3000,
-                           QStringLiteral("Skriv inn ønsket tekst. Exel-arket må lagres med data synlig (ikke grafen)."));
+    auto* Command9 =
+        knapp(Frame3, "Command9", QStringLiteral("8.  Rediger enkeltgraf"), 120, 3720, 3000,
+              QStringLiteral("Skriv inn ønsket tekst. Exel-arket må lagres med data synlig (ikke grafen)."));
     auto* Command3 = knapp(Frame3, "Command3", QStringLiteral("9.  Lag enkeltgraf"), 120, 4200, 3000,
                            QStringLiteral("Lager engraf for hver enkelt syklus"));
     auto* Command12 = knapp(Frame3, "Command12", QStringLiteral("10. Redigert CO2 kolonne"), 120, 4680, 3000,
@@ -128,9 +131,12 @@ void Form1::byggKontroller()
 
     // Settings and progress.
     // The setting boxes in the order of Oppsett.txt, each with its label (Text6 shares Text4's).
-    const struct { const char* etikett; int etikettTopp, topp, venstre, bredde; } plass[] = {
-        {"Label6", 360, 270, 5040, 375},   {nullptr, 0, 270, 5760, 375},      {"Label7", 720, 720, 5040, 1095},
-        {"Label5", 1080, 1080, 5040, 1095}, {"Label1", 1440, 1440, 5040, 1095}, {"Label2", 1800, 1800, 5040, 1095}};
+    const struct {
+        const char* etikett;
+        int etikettTopp, topp, venstre, bredde;
+    } plass[] = {{"Label6", 360, 270, 5040, 375},    {nullptr, 0, 270, 5760, 375},
+                 {"Label7", 720, 720, 5040, 1095},   {"Label5", 1080, 1080, 5040, 1095},
+                 {"Label1", 1440, 1440, 5040, 1095}, {"Label2", 1800, 1800, 5040, 1095}};
     for (size_t i = 0; i < bokser_.size(); ++i) {
         const dialogs::Innstilling& innstilling = dialogs::Innstillinger[i];
         const auto& p = plass[i];
@@ -213,15 +219,17 @@ void Form1::apneDatabase()
                                dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
             return;
         }
-        k_.dialogs.melding(QStringLiteral("Databasen %1 fantes ikke. En ny, tom database er laget fra %2.").arg(data, mal),
-                           dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
+        k_.dialogs.melding(
+            QStringLiteral("Databasen %1 fantes ikke. En ny, tom database er laget fra %2.").arg(data, mal),
+            dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     }
     try {
         store::apneMaledata(tilkobling_, data);
     } catch (const db::DbFeil& e) {
-        k_.dialogs.melding(QString::fromStdString(e.what()) +
-                               QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),
-                           dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
+        k_.dialogs.melding(
+            QString::fromStdString(e.what()) +
+                QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),
+            dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     }
 }
 
@@ -364,4 +372,4 @@ void Form1::behandleHendelser()
     if (avslutter_) throw dialogs::Avbrutt{};
 }
 
-} // namespace app
+}  // namespace app

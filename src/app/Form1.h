@@ -95,4 +95,4 @@ private:
     QLabel* Label4 = nullptr;
 };
 
-} // namespace app
+}  // namespace app

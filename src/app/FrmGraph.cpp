@@ -6,12 +6,11 @@
 #include <QHBoxLayout>
 #include <QLineSeries>
 #include <QPushButton>
-#include <QValueAxis>
 #include <QVBoxLayout>
+#include <QValueAxis>
 #include <algorithm>
 
-namespace app
-{
+namespace app {
 
 FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), graf_(graf)
 {
@@ -57,7 +56,7 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
     x->setTitleText(QStringLiteral("Punkt"));
     x->setLabelFormat(QStringLiteral("%d"));
     auto* y = new QValueAxis;
-    y->setLabelFormat(QStringLiteral("%.2e")); // ion currents, 1e-13 to 1e-8
+    y->setLabelFormat(QStringLiteral("%.2e"));  // ion currents, 1e-13 to 1e-8
     chart->addAxis(x, Qt::AlignBottom);
     chart->addAxis(y, Qt::AlignLeft);
     serie->attachAxis(x);
@@ -69,4 +68,4 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
     MSChart->setChart(chart);
 }
 
-} // namespace app
+}  // namespace app

@@ -12,11 +12,9 @@ class QGroupBox;
 class QLineSeries;
 class QPushButton;
 
-namespace app
-{
+namespace app {
 
-class FrmGraph : public QDialog
-{
+class FrmGraph : public QDialog {
     Q_OBJECT
 public:
     // Draws the graph's values, row after row, under its title.
@@ -32,4 +30,4 @@ private:
     QPushButton* Command1 = nullptr;
 };
 
-} // namespace app
+}  // namespace app

@@ -26,10 +26,7 @@ Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal)
     return {std::move(liste), Utfall::Ferdig};
 }
 
-QString sporPrefiks(Kontekst& k)
-{
-    return k.dialogs.inndata(SporPrefiks, vb::dagensDatoTekst() + QLatin1Char('_'));
-}
+QString sporPrefiks(Kontekst& k) { return k.dialogs.inndata(SporPrefiks, vb::dagensDatoTekst() + QLatin1Char('_')); }
 
 QString utFil(const Kontekst& k, const QString& navn)
 {
@@ -80,4 +77,4 @@ double startForskyvning(const vb::Dato& start, const vb::Dato& t)
     return static_cast<double>(vb::sekunderMellom(start, t)) / 60.0;
 }
 
-} // namespace exports
+}  // namespace exports

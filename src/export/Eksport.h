@@ -20,8 +20,10 @@ inline const QString FeilMelding =
     QStringLiteral("Det har oppstått en feil. Sjekk at du har oppgitt gyldige intervaller og tidspunkt.");
 
 // The questions the exports share: how many cycles to write, and the file-name prefix.
-inline const dialogs::Sporsmal SporEnkeltfiler{dialogs::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage excel-filer for %1 run?")};
-inline const dialogs::Sporsmal SporPrefiks{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi filnavn"), QStringLiteral("Filnavn")};
+inline const dialogs::Sporsmal SporEnkeltfiler{dialogs::Sporsmal::Art::JaNei,
+                                               QStringLiteral("Vil du lage excel-filer for %1 run?")};
+inline const dialogs::Sporsmal SporPrefiks{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi filnavn"),
+                                           QStringLiteral("Filnavn")};
 
 // The guards every export runs first: the turning-point file must exist ("Du må først finne
 // antall sykluser"), the chooser must hold entries ("Ingen data importert"); then the output
@@ -33,12 +35,14 @@ struct Forberedt {
 };
 Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal);
 
-
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
 QString sporPrefiks(Kontekst& k);
 
 // The combined template of the current adsorption/desorption choice.
-inline const QString& samleMal(const dialogs::Vindu& vindu) { return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon; }
+inline const QString& samleMal(const dialogs::Vindu& vindu)
+{
+    return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon;
+}
 
 // Full path of a file in the output folder. vb::Feil when the name holds a character that a
 // file name cannot hold on any of the systems the lab uses (\ / : * ? " < > | or a control character).
@@ -75,4 +79,4 @@ private:
 // Minutes from the data start to t as a fraction: whole seconds / 60.
 double startForskyvning(const vb::Dato& start, const vb::Dato& t);
 
-} // namespace exports
+}  // namespace exports

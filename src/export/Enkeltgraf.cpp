@@ -14,7 +14,7 @@ namespace {
 // The measured values that go to columns C to K of the sheet, in that order.
 constexpr std::array<const char*, 9> Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K"};
 
-} // namespace
+}  // namespace
 
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
                   const vb::Dato& StartTid)
@@ -37,7 +37,8 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
     {
         Fremdrift fremdrift(k.vindu, SyklusNr);
         for (int16_t rad = 2; !Poster.eof(); Poster.moveNext()) {
-            data.settCelle(rad, 1, Poster.erNull(tidTekst) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tekst("DatoTid_Tekst")});
+            data.settCelle(rad, 1,
+                           Poster.erNull(tidTekst) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tekst("DatoTid_Tekst")});
             for (size_t i = 0; i < felt.size(); ++i)
                 data.settCelle(rad, 3 + static_cast<int>(i),
                                Poster.erNull(felt[i]) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tall(felt[i])});
@@ -81,4 +82,4 @@ Utfall Command3_Click(Kontekst& k)
     }
 }
 
-} // namespace exports
+}  // namespace exports

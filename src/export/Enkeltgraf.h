@@ -16,4 +16,4 @@ Utfall Command3_Click(Kontekst& k);
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
                   const vb::Dato& StartTid);
 
-} // namespace exports
+}  // namespace exports

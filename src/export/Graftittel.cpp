@@ -40,7 +40,7 @@ void sporOgSettTittel(Kontekst& k, xlsx::Diagram& diagram)
     diagram.settTittel(k.dialogs.inndata(SporTittel, diagram.tittel()));
 }
 
-} // namespace
+}  // namespace
 
 Utfall Command4_Click(Kontekst& k)
 {
@@ -67,4 +67,4 @@ Utfall Command9_Click(Kontekst& k)
         QStringLiteral("Feil"));
 }
 
-} // namespace exports
+}  // namespace exports

@@ -41,7 +41,7 @@ int16_t minutter(Kontekst& k, const dialogs::Sporsmal& sporsmal)
     return vb::heltall16(k.dialogs.inndata(sporsmal, QStringLiteral("25")));
 }
 
-} // namespace
+}  // namespace
 
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
                         int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus)
@@ -78,8 +78,8 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
                                    .toStdString());
             startniva = vb::enkel(PosterFor.tall("F"));
         } else {
-            ark.settFormel(QLatin1Char('F') + tall(n),
-                           QStringLiteral("= abs((D") + tall(n) + QStringLiteral("-D") + tall(n - 1) + QStringLiteral(")/2)"));
+            ark.settFormel(QLatin1Char('F') + tall(n), QStringLiteral("= abs((D") + tall(n) + QStringLiteral("-D") +
+                                                           tall(n - 1) + QStringLiteral(")/2)"));
         }
         rad = vb::pluss16(rad);
         fremdrift.rad(rad);
@@ -87,8 +87,8 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     for (; !PosterEtter.eof(); PosterEtter.moveNext()) {
         const int n = rad;
         skrivRad(ark, n, PosterEtter);
-        ark.settFormel(QLatin1Char('F') + tall(n),
-                       QStringLiteral("= abs((D") + tall(n) + QStringLiteral(" -D") + tall(n + 1) + QStringLiteral(")/2)"));
+        ark.settFormel(QLatin1Char('F') + tall(n), QStringLiteral("= abs((D") + tall(n) + QStringLiteral(" -D") +
+                                                       tall(n + 1) + QStringLiteral(")/2)"));
         rad = vb::pluss16(rad);
         fremdrift.rad(rad);
         // An empty value never cuts.
@@ -143,4 +143,4 @@ Utfall Command12_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace exports
+}  // namespace exports

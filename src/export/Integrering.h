@@ -8,10 +8,10 @@
 
 namespace exports {
 
-inline const dialogs::Sporsmal SporMinutterFor{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter før"),
-                                          QStringLiteral("Minutter")};
-inline const dialogs::Sporsmal SporMinutterEtter{dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter etter"),
-                                            QStringLiteral("Minutter")};
+inline const dialogs::Sporsmal SporMinutterFor{dialogs::Sporsmal::Art::Inndata,
+                                               QStringLiteral("Angi antall minutter før"), QStringLiteral("Minutter")};
+inline const dialogs::Sporsmal SporMinutterEtter{
+    dialogs::Sporsmal::Art::Inndata, QStringLiteral("Angi antall minutter etter"), QStringLiteral("Minutter")};
 
 Utfall Command12_Click(Kontekst& k);
 
@@ -20,4 +20,4 @@ Utfall Command12_Click(Kontekst& k);
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
                         int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus);
 
-} // namespace exports
+}  // namespace exports

@@ -17,4 +17,4 @@ Utfall Command6_Click(Kontekst& k)
     }
 }
 
-} // namespace exports
+}  // namespace exports

@@ -8,4 +8,4 @@ namespace exports {
 // A template that cannot be opened or lacks the chart is reported with the reason.
 Utfall Command6_Click(Kontekst& k);
 
-} // namespace exports
+}  // namespace exports

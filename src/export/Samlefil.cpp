@@ -22,7 +22,7 @@ vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const v
 
 QString kolonneBokstav(const Kontekst& k) { return files::HentKode(k.vindu.kolonneTekst()); }
 
-} // namespace
+}  // namespace
 
 vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Minutter)
 {
@@ -57,8 +57,7 @@ Utfall Command5_Click(Kontekst& k)
             return Utfall::Avvist;
         }
         int16_t periode = 0;
-        if (!k.vindu.adsorpsjon())
-            periode = vb::heltall16(k.dialogs.inndata(SporPeriode, QStringLiteral("140")));
+        if (!k.vindu.adsorpsjon()) periode = vb::heltall16(k.dialogs.inndata(SporPeriode, QStringLiteral("140")));
 
         const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
         for (int16_t syklus = 1; syklus <= siste;) {
@@ -103,4 +102,4 @@ Utfall Command5_Click(Kontekst& k)
     return Utfall::Ferdig;
 }
 
-} // namespace exports
+}  // namespace exports

@@ -7,7 +7,8 @@
 
 namespace exports {
 
-inline const dialogs::Sporsmal SporSamlefil{dialogs::Sporsmal::Art::JaNei, QStringLiteral("Vil du lage en samlefil for %1 run?")};
+inline const dialogs::Sporsmal SporSamlefil{dialogs::Sporsmal::Art::JaNei,
+                                            QStringLiteral("Vil du lage en samlefil for %1 run?")};
 inline const dialogs::Sporsmal SporPeriode{
     dialogs::Sporsmal::Art::Inndata,
     QStringLiteral("Angi antall minutter større enn ventilskift, mindre enn makspunktet for desorpsjonskurva:"),
@@ -22,4 +23,4 @@ vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QS
 // maximum between M1 + 60 minutes and M1 + Periode minutes; returns M2 less 10 minutes.
 vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Periode);
 
-} // namespace exports
+}  // namespace exports

@@ -52,4 +52,4 @@ QString kolonneLinje(const QString& navn, const QString& bokstav)
     return navn + QString(20, QLatin1Char(' ')) + QLatin1Char('[') + bokstav + QLatin1Char(']');
 }
 
-} // namespace files
+}  // namespace files

@@ -25,4 +25,4 @@ QString kolonneBokstav(int posisjon);
 // A line of Kolonner.txt.
 QString kolonneLinje(const QString& navn, const QString& bokstav);
 
-} // namespace files
+}  // namespace files

@@ -31,4 +31,4 @@ void slettSnuPunkter(const Kontekst& k)
     if (FilFinnes(fil)) QFile::remove(fil);
 }
 
-} // namespace files
+}  // namespace files

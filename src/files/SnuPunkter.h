@@ -30,4 +30,4 @@ void skrivSnuPunkter(const Kontekst& k, const std::vector<vb::Dato>& punkter);
 // Removes the file of an earlier search, under whatever case of its name.
 void slettSnuPunkter(const Kontekst& k);
 
-} // namespace files
+}  // namespace files

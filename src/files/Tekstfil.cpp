@@ -19,7 +19,7 @@ void skriv(const QString& Filnavn, const QString& Streng, QIODevice::OpenMode mo
         throw FilFeil(QStringLiteral("Kan ikke skrive fila %1: %2").arg(Filnavn, fil.errorString()).toStdString());
 }
 
-} // namespace
+}  // namespace
 
 bool FilFinnes(const QString& Filnavn)
 {
@@ -84,7 +84,8 @@ bool Linjeleser::fyll()
     if (slutt_ == buf_.size()) buf_.resize(buf_.size() * 2);
     const qint64 n = fil_.read(buf_.data() + slutt_, static_cast<qint64>(buf_.size() - slutt_));
     if (n < 0)
-        throw FilFeil(QStringLiteral("Kan ikke lese fila %1: %2").arg(fil_.fileName(), fil_.errorString()).toStdString());
+        throw FilFeil(
+            QStringLiteral("Kan ikke lese fila %1: %2").arg(fil_.fileName(), fil_.errorString()).toStdString());
     if (n == 0) {
         ferdig_ = true;
         return false;
@@ -108,7 +109,8 @@ bool Linjeleser::neste(std::string_view& linje)
         for (size_t i = soktTil; i < slutt_;) {
             const size_t n = std::min<size_t>(slutt_ - i, 256);
             const auto* lf = static_cast<const char*>(std::memchr(b + i, '\n', n));
-            const auto* cr = static_cast<const char*>(std::memchr(b + i, '\r', lf ? static_cast<size_t>(lf - (b + i)) : n));
+            const auto* cr =
+                static_cast<const char*>(std::memchr(b + i, '\r', lf ? static_cast<size_t>(lf - (b + i)) : n));
             if (const char* brudd = cr ? cr : lf) {
                 const auto slutt = static_cast<size_t>(brudd - b);
                 linje = std::string_view(b + start_, slutt - start_);
@@ -128,4 +130,4 @@ bool Linjeleser::neste(std::string_view& linje)
     }
 }
 
-} // namespace files
+}  // namespace files

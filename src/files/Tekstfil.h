@@ -53,4 +53,4 @@ private:
 
 inline QString latin1(std::string_view s) { return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size())); }
 
-} // namespace files
+}  // namespace files

@@ -51,7 +51,7 @@ Utfall avvis(Kontekst& k, const QString& grunn)
     return Utfall::Avvist;
 }
 
-} // namespace
+}  // namespace
 
 Utfall Command2_Click(Kontekst& k)
 {
@@ -68,8 +68,7 @@ Utfall Command2_Click(Kontekst& k)
         opptatt.reset();
         return avvis(k, *nei + Uendret);
     }
-    if (!k.dialogs.sporJaNei(SporImport.tekst.arg(fil, vb::antallTekst(oversikt.linjer))))
-        return Utfall::Ferdig;
+    if (!k.dialogs.sporJaNei(SporImport.tekst.arg(fil, vb::antallTekst(oversikt.linjer)))) return Utfall::Ferdig;
 
     std::optional<files::Linjeleser> leser;
     if (auto nei = klargjor(k, leser, fil)) {
@@ -88,4 +87,4 @@ Utfall Command2_Click(Kontekst& k)
     return rapporter(k, innlesing, stopp);
 }
 
-} // namespace store
+}  // namespace store

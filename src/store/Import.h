@@ -12,8 +12,8 @@ namespace store {
 // The import's questions: the file (the dialog's filter), then whether to start.
 inline const dialogs::Sporsmal SporFil{dialogs::Sporsmal::Art::Fil, QStringLiteral("CSV-filer (*.CSV)|*.CSV")};
 inline const dialogs::Sporsmal SporImport{dialogs::Sporsmal::Art::JaNei,
-                                     QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
+                                          QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
 
 Utfall Command2_Click(Kontekst& k);
 
-} // namespace store
+}  // namespace store

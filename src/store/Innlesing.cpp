@@ -12,7 +12,7 @@ namespace {
 using Klokke = std::chrono::steady_clock;
 constexpr auto Fremdriftsintervall = std::chrono::milliseconds(50);
 
-} // namespace
+}  // namespace
 
 Innlesing::Innlesing(db::Database& d, files::Linjeleser& leser, const QString& fil, const QString& kolonnefil,
                      Fremdrift fremdrift)
@@ -78,4 +78,4 @@ void Innlesing::skrivKolonner(const QStringList& felt, int32_t overskriftLinje)
     }
 }
 
-} // namespace store
+}  // namespace store

@@ -41,4 +41,4 @@ private:
     int64_t behandlet_ = 0;
 };
 
-} // namespace store
+}  // namespace store

@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t VisteHopp = 10;  // skipped lines named in the notice
 
-} // namespace
+}  // namespace
 
 void Tolker::fyll(Blokk& b)
 {
@@ -128,4 +128,4 @@ void Lesetraad::kjor()
     }
 }
 
-} // namespace store
+}  // namespace store

@@ -24,10 +24,10 @@ struct Blokk {
     std::array<Rad, Linjer> rader;
     int antall = 0;
     bool tidFolgerId = true;  // no row has an earlier DatoTid than the row before it, in the stretch before too
-    QStringList overskrift;  // cleaned header fields, in the stretch that holds the header
+    QStringList overskrift;   // cleaned header fields, in the stretch that holds the header
     int32_t overskriftLinje = 0;
-    int32_t linjeNr = 0;     // lines read up to the end of this stretch, empty ones included
-    int64_t behandlet = 0;   // non-empty lines up to here, the header included
+    int32_t linjeNr = 0;          // lines read up to the end of this stretch, empty ones included
+    int64_t behandlet = 0;        // non-empty lines up to here, the header included
     std::optional<QString> feil;  // reading stopped here
     bool slutt = false;
 };
@@ -53,7 +53,7 @@ private:
     int32_t linjeNr_ = 0;
     int64_t behandlet_ = 0;
     int64_t antallHopp_ = 0;
-    std::vector<QString> hopp_;  // the first ones, as the notice names them
+    std::vector<QString> hopp_;                  // the first ones, as the notice names them
     char forrigeTid_[sizeof Rad::datoTid] = {};  // below every date-time before the first row
 };
 
@@ -82,4 +82,4 @@ private:
     std::thread traad_;
 };
 
-} // namespace store
+}  // namespace store

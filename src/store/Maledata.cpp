@@ -33,4 +33,4 @@ float HentVerdi(const QString& Kolonne, const db::Recordset& Poster)
     return Poster.erNull(k) ? 0.0f : vb::enkel(Poster.tall(k));
 }
 
-} // namespace store
+}  // namespace store

@@ -18,4 +18,4 @@ QString tittel(long long antall, const QString& versjon);
 // precision; 0 for any other letter and for an empty field.
 float HentVerdi(const QString& Kolonne, const db::Recordset& Poster);
 
-} // namespace store
+}  // namespace store

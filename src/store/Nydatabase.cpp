@@ -18,7 +18,8 @@ std::optional<QString> erstattDatabase(Kontekst& k)
     QFile::remove(ny);
     QFile kopi(mal);
     if (!kopi.copy(ny))
-        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString()) + Uendret;
+        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString()) +
+               Uendret;
     QFile::setPermissions(ny, QFile::permissions(ny) | QFileDevice::WriteOwner);
     try {
         db::Database tom(ny);
@@ -50,4 +51,4 @@ std::optional<QString> erstattDatabase(Kontekst& k)
     return std::nullopt;
 }
 
-} // namespace store
+}  // namespace store

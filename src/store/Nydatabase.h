@@ -16,4 +16,4 @@ inline const QString Uendret = QStringLiteral(" Ingenting er importert, og datab
 // the old database stays and is opened again; the result is the message to show.
 std::optional<QString> erstattDatabase(Kontekst& k);
 
-} // namespace store
+}  // namespace store

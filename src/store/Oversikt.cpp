@@ -10,7 +10,7 @@ namespace {
 
 constexpr int MaksOverskriftsfelt = 29;  // one column letter each, A to Å
 
-} // namespace
+}  // namespace
 
 Oversikt sePaa(const QString& fil)
 {
@@ -49,4 +49,4 @@ std::optional<QString> innvending(const Oversikt& o, const QString& fil)
     return std::nullopt;
 }
 
-} // namespace store
+}  // namespace store

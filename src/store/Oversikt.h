@@ -9,7 +9,7 @@
 namespace store {
 
 struct Oversikt {
-    int32_t linjer = 0;  // as TellLinjer counts them
+    int32_t linjer = 0;           // as TellLinjer counts them
     int32_t overskriftLinje = 0;  // 0: the file holds no non-empty line
     qsizetype overskriftFelt = 0;
     bool harData = false;
@@ -22,4 +22,4 @@ Oversikt sePaa(const QString& fil);
 // Why the file cannot be imported, if it cannot.
 std::optional<QString> innvending(const Oversikt& o, const QString& fil);
 
-} // namespace store
+}  // namespace store

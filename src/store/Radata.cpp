@@ -39,18 +39,15 @@ void lagDatoTekst(std::string_view L, Rad& rad)
     rad.datoTekstLengde = static_cast<int>(ut - rad.datoTekst);
 }
 
-} // namespace
+}  // namespace
 
 QString hoppTekst(const Hopp& hopp)
 {
     const QString t = QString::fromLatin1(hopp.tekst.data(), static_cast<qsizetype>(hopp.tekst.size()));
     switch (hopp.grunn) {
-    case Hopp::Apostrof:
-        return QStringLiteral("apostrof i dato og tid «%1»").arg(t);
-    case Hopp::UgyldigDatoTid:
-        return QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(t);
-    case Hopp::ForStortTall:
-        return QStringLiteral("tallet «%1» er for stort").arg(t);
+    case Hopp::Apostrof: return QStringLiteral("apostrof i dato og tid «%1»").arg(t);
+    case Hopp::UgyldigDatoTid: return QStringLiteral("ugyldig dato eller klokkeslett «%1»").arg(t);
+    case Hopp::ForStortTall: return QStringLiteral("tallet «%1» er for stort").arg(t);
     }
     return {};
 }
@@ -88,4 +85,4 @@ std::optional<Hopp> Radatalinje::tolk(Rad& rad) const
     return std::nullopt;
 }
 
-} // namespace store
+}  // namespace store

@@ -54,4 +54,4 @@ private:
     std::vector<std::string_view> felt_;
 };
 
-} // namespace store
+}  // namespace store

@@ -4,10 +4,7 @@
 
 namespace store {
 
-Radlager::Radlager(db::Database& d)
-    : db_(d), transaksjon_(d), innsetting_(d, RadInnsetting, RadTekster, RadVerdier)
-{
-}
+Radlager::Radlager(db::Database& d) : db_(d), transaksjon_(d), innsetting_(d, RadInnsetting, RadTekster, RadVerdier) {}
 
 void Radlager::settInn(const Rad* rader, int antall, bool tidFolgerId)
 {
@@ -24,4 +21,4 @@ void Radlager::lagre()
     transaksjon_.fullfor();
 }
 
-} // namespace store
+}  // namespace store

@@ -26,4 +26,4 @@ private:
     bool tidFolgerId_ = true;
 };
 
-} // namespace store
+}  // namespace store

@@ -37,7 +37,7 @@ void sikreTidsindeks(db::Database& d, const QString& K)
     }
 }
 
-} // namespace
+}  // namespace
 
 void lagTomDatabase(const QString& fil)
 {
@@ -56,7 +56,8 @@ void apneMaledata(db::Database& tilkobling, const QString& fil)
         tilkobling.utforSqlite("SELECT ID, DatoTid, DatoTid_Tekst, C, L FROM DataLinjer LIMIT 0");
     } catch (const db::DbFeil&) {
         tilkobling.lukk();
-        throw db::DbFeil(QStringLiteral("Kan ikke åpne databasen %1: den har ingen tabell DataLinjer").arg(fil).toStdString());
+        throw db::DbFeil(
+            QStringLiteral("Kan ikke åpne databasen %1: den har ingen tabell DataLinjer").arg(fil).toStdString());
     }
 }
 
@@ -156,4 +157,4 @@ db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, co
     return d.spor(setning::vindu(medStart, fra, til));
 }
 
-} // namespace store
+}  // namespace store

@@ -37,7 +37,7 @@ QString snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QS
 QString maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& til);
 // The rows of a window in ID order: the start row taken or not (medStart), the end row always.
 QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
-} // namespace setning
+}  // namespace setning
 
 // ------------------------------------------------------------------ the queries
 
@@ -76,4 +76,4 @@ std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dat
 // Every row of a time window in ID order; the row at fra only with medStart, the row at til always.
 db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til);
 
-} // namespace store
+}  // namespace store

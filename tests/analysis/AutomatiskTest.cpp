@@ -22,17 +22,27 @@ TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
     vindu();
     const QByteArray MinstePerGruppe = "23.11.2012 14:02:30!23.11.2012 14:04:30!23.11.2012 14:06:30\r\n";
     const QStringList Valg = {u"3"_s, u"-13"_s, u"1"_s};
-    const struct { bool ads; QString sykluser; bool ja; QString melding; QByteArray snu; } tilfeller[] = {
+    const struct {
+        bool ads;
+        QString sykluser;
+        bool ja;
+        QString melding;
+        QByteArray snu;
+    } tilfeller[] = {
         // Minimum 1,2 and the first value 10 give the step 0,88; the first pass already finds the three
         // groups, which comes nearest to 30 of all passes (the highest ones take every row as one group).
         // One turning point per group, the last group included.
-        {true, u"30"_s, true, u"Det ble funnet 3 sykluser. Den første syklusen med en verdi mindre enn 2,08 er ved tidspunktet 23.11.2012 "
-                              "14:02:10 (2 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. 1 minutter. "
-                              "Vil du sette inn disse verdiene som valg i oppsettet?"_s, MinstePerGruppe},
+        {true, u"30"_s, true,
+         u"Det ble funnet 3 sykluser. Den første syklusen med en verdi mindre enn 2,08 er ved tidspunktet 23.11.2012 "
+         "14:02:10 (2 minutter etter oppstart).\nIntervallet mellom den første og andre syklusen er ca. 1 minutter. "
+         "Vil du sette inn disse verdiene som valg i oppsettet?"_s,
+         MinstePerGruppe},
         // No leaves SnuPunkter.txt and the settings; the word stays "mindre" with Desorpsjon too.
-        {false, u"1"_s, false, u"Det ble funnet 1 sykluser. Den første syklusen med en verdi mindre enn "_s, MinstePerGruppe},
+        {false, u"1"_s, false, u"Det ble funnet 1 sykluser. Den første syklusen med en verdi mindre enn "_s,
+         MinstePerGruppe},
         // Desorpsjon takes the largest value of each group.
-        {false, u"3"_s, true, u"Det ble funnet 3 sykluser. "_s, "23.11.2012 14:02:10!23.11.2012 14:04:10!23.11.2012 14:06:10\r\n"},
+        {false, u"3"_s, true, u"Det ble funnet 3 sykluser. "_s,
+         "23.11.2012 14:02:10!23.11.2012 14:04:10!23.11.2012 14:06:10\r\n"},
     };
     for (const auto& t : tilfeller) {
         f->velgAdsorpsjon(t.ads);
@@ -51,7 +61,8 @@ TEST_F(AutomatiskSok, EnderStilleUtenMelding)
     fyll(treSykluser(1.2));  // the first value equals the minimum: no step, no pass finds a row
     vindu();
     // Cancel at the number of cycles, no row after the search start, a letter the table does not have.
-    for (auto [kolonne, start, sykluser] : {std::tuple{0, u"1"_s, u"30"_s}, {0, u"1"_s, QString()}, {0, u"100000"_s, u"30"_s}, {2, u"1"_s, u"30"_s}}) {
+    for (auto [kolonne, start, sykluser] :
+         {std::tuple{0, u"1"_s, u"30"_s}, {0, u"1"_s, QString()}, {0, u"100000"_s, u"30"_s}, {2, u"1"_s, u"30"_s}}) {
         f->velgKolonne(kolonne);
         svar(start, sykluser);
         EXPECT_EQ(f->Command11_Click(), Utfall::Avvist) << start << sykluser << kolonne;
@@ -67,7 +78,10 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
     mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
     auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", mappe.mappe()} + args); };
     const QString png = mappe.sti(u"graf.png"_s);
-    const struct { QStringList args; QString ut; } tilfeller[] = {
+    const struct {
+        QStringList args;
+        QString ut;
+    } tilfeller[] = {
         {{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"}, u"Det ble funnet 2 sykluser."_s},
         // The proposed threshold, 100 times the minimum, takes every row: one group, nothing closed.
         {{"--save-settings", "find-cycles", "--start", "1", "--apply"}, u"Det ble funnet 0 sykluser."_s},
@@ -83,4 +97,4 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
     EXPECT_EQ(kjor({"find-cycles"}).status, 2);  // --start is required
 }
 
-} // namespace
+}  // namespace

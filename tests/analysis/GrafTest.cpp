@@ -1,5 +1,5 @@
-#include "app/FrmGraph.h"
 #include "analysis/Graf.h"
+#include "app/FrmGraph.h"
 #include "felles/MedVindu.h"
 #include "platform/db/Masseinnsetting.h"
 
@@ -8,7 +8,11 @@
 namespace {
 
 // What the graph window held when it was shown; its title and button, and whether Exit closed it.
-struct Vist { int rader = -1, punkter = -1; std::vector<std::optional<double>> verdier; QString vindu; };
+struct Vist {
+    int rader = -1, punkter = -1;
+    std::vector<std::optional<double>> verdier;
+    QString vindu;
+};
 
 class Graf : public test::MedVindu {
 protected:
@@ -30,7 +34,8 @@ protected:
         f->settGrafVisning([&](app::FrmGraph& g) {
             const dialogs::Graf& graf = g.graf();
             for (int i = 0; i < graf.rader; ++i)
-                v.verdier.push_back(i < static_cast<int>(graf.verdier.size()) ? std::optional(graf.verdier[i]) : std::nullopt);
+                v.verdier.push_back(i < static_cast<int>(graf.verdier.size()) ? std::optional(graf.verdier[i])
+                                                                              : std::nullopt);
             g.show();
             auto* exit = g.findChild<QPushButton*>(u"Command1"_s);
             exit->click();
@@ -54,7 +59,10 @@ TEST_F(Graf, HoystTrettiTusenPunkterAvHverNteRad)
     vindu();
     // 1,5 times 30000 takes every second row and leaves the rows past 22500 without a value;
     // 2,5 times rounds to every second row too and shows only the first 60000 rows.
-    const struct { int rader, punkter; float forste, siste; } tilfeller[] = {
+    const struct {
+        int rader, punkter;
+        float forste, siste;
+    } tilfeller[] = {
         {30000, 30000, 1e-6f, 30000e-6f}, {45000, 22500, 2e-6f, 45000e-6f}, {75000, 30000, 2e-6f, 60000e-6f}};
     for (const auto& t : tilfeller) {
         SCOPED_TRACE(t.rader);
@@ -92,4 +100,4 @@ TEST_F(Graf, VerdierOverEnKolonnerOgTommeTabeller)
     EXPECT_EQ(dialogs.meldinger().last(), u"Ingen data importert"_s);
 }
 
-} // namespace
+}  // namespace

@@ -10,8 +10,9 @@ const QString Feil = u"Det oppstod en feil i denne rutinen"_s, SnuPunkter = u"Sn
 // group A 14:01:10-14:01:40 in 10-second steps (the value 1 at 14:01:45 is no hit),
 // group B the lone row 14:02:05, group C 14:03:00-14:03:05, then 11 seconds on the last group 14:03:16.
 // The row at exactly 14:01:00 holds the smallest value but lies on the search start.
-const std::vector<test::Rad> Sykluser = {{0, 5},     {60, 0.01}, {70, 0.3},  {80, 0.2},   {90, 0.1},  {100, 0.05}, {105, 1.0},
-                                         {110, 4},   {125, 0.4}, {150, 4},   {180, 0.2},  {185, 0.15}, {196, 0.1}, {200, 4}};
+const std::vector<test::Rad> Sykluser = {{0, 5},      {60, 0.01},  {70, 0.3},  {80, 0.2},  {90, 0.1},
+                                         {100, 0.05}, {105, 1.0},  {110, 4},   {125, 0.4}, {150, 4},
+                                         {180, 0.2},  {185, 0.15}, {196, 0.1}, {200, 4}};
 
 using Syklusfinning = test::MedVindu;
 
@@ -20,19 +21,41 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     fyll(Sykluser);
     vindu();
     const QString Tre = u"Det ble funnet 3 sykluser. Den første syklusen med en verdi "_s;
-    const struct { bool ads; QString terskel; bool ja; QString melding; QByteArray snu; QStringList bokser; } tilfeller[] = {
+    const struct {
+        bool ads;
+        QString terskel;
+        bool ja;
+        QString melding;
+        QByteArray snu;
+        QStringList bokser;
+    } tilfeller[] = {
         // A: minimum of its span without its last row (0,05 at 14:01:40 lies outside); B: empty span, day zero;
         // C ends at 14:03:05 because 11 seconds follow it; the last group gets nothing.
-        {true, u"1"_s, true, Tre + u"mindre enn 1 er ved tidspunktet 23.11.2012 14:01:10 (1 minutter etter oppstart).\nIntervallet "
-                                   "mellom den første og andre syklusen er ca. 1 minutter. Vil du sette inn disse verdiene som valg i oppsettet?"_s,
-         "23.11.2012 14:01:30!00:00:00!23.11.2012 14:03:00\r\n", {u"3"_s, u"-14"_s, u"1"_s}},
+        {true,
+         u"1"_s,
+         true,
+         Tre +
+             u"mindre enn 1 er ved tidspunktet 23.11.2012 14:01:10 (1 minutter etter oppstart).\nIntervallet "
+             "mellom den første og andre syklusen er ca. 1 minutter. Vil du sette inn disse verdiene som valg i oppsettet?"_s,
+         "23.11.2012 14:01:30!00:00:00!23.11.2012 14:03:00\r\n",
+         {u"3"_s, u"-14"_s, u"1"_s}},
         // Desorpsjon takes the largest value; No leaves the settings.
-        {false, u"1,0"_s, false, Tre + u"større enn 1 er"_s, "23.11.2012 14:01:10!00:00:00!23.11.2012 14:03:00\r\n", {u"3"_s, u"-14"_s, u"1"_s}},
+        {false,
+         u"1,0"_s,
+         false,
+         Tre + u"større enn 1 er"_s,
+         "23.11.2012 14:01:10!00:00:00!23.11.2012 14:03:00\r\n",
+         {u"3"_s, u"-14"_s, u"1"_s}},
         // Hits 14:01:40 alone: one group, nothing closed, an empty line in the file.
         {true, u"0.07"_s, true, u"Det ble funnet 0 sykluser. "_s, "\r\n", {u"0"_s, u"-14"_s, u"0"_s}},
         // Hits 14:01:30, 14:01:40 and 14:03:16: two groups, one turning point, the interval runs
         // from the first group's last row to the second group's first (14:01 to 14:03).
-        {true, u"0.12"_s, true, u"Det ble funnet 1 sykluser. "_s, "23.11.2012 14:01:30\r\n", {u"1"_s, u"-14"_s, u"2"_s}},
+        {true,
+         u"0.12"_s,
+         true,
+         u"Det ble funnet 1 sykluser. "_s,
+         "23.11.2012 14:01:30\r\n",
+         {u"1"_s, u"-14"_s, u"2"_s}},
     };
     // The same answers whether or not the store may read ID order from the time index.
     db::Database& k = f->kontekst().tilkobling;
@@ -65,11 +88,14 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     // The command built the column's time index, and every statement of the search reads that
     // index alone, in its order, without a sort.
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
-    for (const QString& s : {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
-                             store::setning::minimum(u"C"_s, a), store::setning::treff(u"C"_s, u"0.5"_s, a)}) {
+    for (const QString& s :
+         {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
+          store::setning::minimum(u"C"_s, a), store::setning::treff(u"C"_s, u"0.5"_s, a)}) {
         for (auto p = k.spor(u"EXPLAIN QUERY PLAN "_s + s); !p.eof(); p.moveNext()) {
             const QString trinn = p.tekst("detail");
-            EXPECT_TRUE(trinn.startsWith(u"EXECUTE"_s) || trinn.contains(u"USING COVERING INDEX DataLinjer_Tid_C (DatoTid>"_s)) << trinn << s;
+            EXPECT_TRUE(trinn.startsWith(u"EXECUTE"_s) ||
+                        trinn.contains(u"USING COVERING INDEX DataLinjer_Tid_C (DatoTid>"_s))
+                << trinn << s;
         }
     }
 }
@@ -81,8 +107,18 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     EXPECT_TRUE(dialogs.dialoger().size() == 1 && dialogs.meldinger().isEmpty());
     fyll(Sykluser);
     // sletter: a SnuPunkter.txt from an earlier run, under any case of its name, is gone.
-    const struct { int kolonne; std::vector<dialogs::SkriptDialogs::Svaret> svar; QString melding; bool sletter; const char* hva; } tilfeller[] = {
-        {0, {u"1"_s, u"0.02"_s}, u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s, true, "no hit: 0,01 lies on the search start"},
+    const struct {
+        int kolonne;
+        std::vector<dialogs::SkriptDialogs::Svaret> svar;
+        QString melding;
+        bool sletter;
+        const char* hva;
+    } tilfeller[] = {
+        {0,
+         {u"1"_s, u"0.02"_s},
+         u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s,
+         true,
+         "no hit: 0,01 lies on the search start"},
         {0, {u"1"_s, QString()}, Feil, true, "Cancel at the threshold"},
         {0, {QString()}, Feil, false, "Cancel at the start minutes"},
         {0, {u"en time"_s}, Feil, false, "start minutes no number"},
@@ -111,4 +147,4 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     EXPECT_EQ(dialogs.meldinger().last(), analysis::IngenData);
 }
 
-} // namespace
+}  // namespace

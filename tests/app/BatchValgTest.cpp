@@ -19,8 +19,8 @@ TEST(Batch, GlobaleValgOgLagring)
 {
     test::Programmappe m;
     m.skriv("Kolonner.txt", "CO2                    [C]\r\nN2                    [D]\r\n");
-    const auto k = test::batch({"--folder", m.mappe(), "--set", "Text6=12", "--column", "D", "--adsorption",
-                                "--save-settings", "status"});
+    const auto k = test::batch(
+        {"--folder", m.mappe(), "--set", "Text6=12", "--column", "D", "--adsorption", "--save-settings", "status"});
     EXPECT_EQ(k.status, 0) << k.feil.toStdString();
     EXPECT_TRUE(k.ut.contains(QStringLiteral("Text6=12\n")));
     EXPECT_TRUE(k.ut.contains(QStringLiteral("  CO2                    [C]\n* N2                    [D]\n")));

@@ -239,4 +239,4 @@ TEST(Kontekst, SammeFilUansettStorOgSmaBokstaver)
     EXPECT_EQ(f.kontekst().sti(QStringLiteral("Ny.txt")), s.mappe.sti("Ny.txt"));
 }
 
-} // namespace
+}  // namespace

@@ -48,11 +48,11 @@ TEST_F(Batch, UtfallOgBruksfeil)
     EXPECT_EQ(batch({"test"}).status, 1);
     EXPECT_EQ(batch({"edit-title", "--single", "--title", "X"}).status, 1);
 
-    for (const QStringList& galt : {QStringList{"edit-title", "--title", "X"},
-                                    QStringList{"edit-title", "--single", "--combined", "--title", "X"},
-                                    QStringList{"edit-title", "--single"}, QStringList{"export-single"},
-                                    QStringList{"test", "--ekstra"}})
+    for (const QStringList& galt :
+         {QStringList{"edit-title", "--title", "X"},
+          QStringList{"edit-title", "--single", "--combined", "--title", "X"}, QStringList{"edit-title", "--single"},
+          QStringList{"export-single"}, QStringList{"test", "--ekstra"}})
         EXPECT_EQ(batch(galt).status, 2) << galt.join(' ').toStdString();
 }
 
-} // namespace
+}  // namespace

@@ -55,8 +55,10 @@ protected:
             const Verdier v = verdier(s);
             for (int i = 0; i < v.size(); ++i) {
                 const QJsonValue c = ta(QStringLiteral("%1%2").arg(QChar('C' + i)).arg(r));
-                if (v[i]) EXPECT_DOUBLE_EQ(c.toDouble(), *v[i]) << i << " " << r;
-                else EXPECT_TRUE(c.isUndefined()) << r;
+                if (v[i])
+                    EXPECT_DOUBLE_EQ(c.toDouble(), *v[i]) << i << " " << r;
+                else
+                    EXPECT_TRUE(c.isUndefined()) << r;
             }
         }
         EXPECT_EQ(celler, malceller);
@@ -106,9 +108,9 @@ TEST_F(Enkeltgraf, SyklusUtenRaderEllerUtenMalGirIngenFil)
     ASSERT_TRUE(QFile::remove(mappe.sti(exports::MalSykluser)));
     sykluser("1", "3");
     EXPECT_EQ(eksporter(QStringLiteral("P")), Utfall::Ferdig);
-    EXPECT_EQ(dialogs.meldinger(),
-              QStringList({"Vil du lage excel-filer for 0 run?", "Eksporten er ferdig!", "Vil du lage excel-filer for 3 run?",
-                           "Du mangler malfila", "Du mangler malfila", "Eksporten er ferdig!"}));
+    EXPECT_EQ(dialogs.meldinger(), QStringList({"Vil du lage excel-filer for 0 run?", "Eksporten er ferdig!",
+                                                "Vil du lage excel-filer for 3 run?", "Du mangler malfila",
+                                                "Du mangler malfila", "Eksporten er ferdig!"}));
     EXPECT_TRUE(utfiler().isEmpty());
 }
 
@@ -233,4 +235,4 @@ TEST_F(Eksporter, AvviserUtenSnupunkterDataEllerSvar)
     }
 }
 
-} // namespace
+}  // namespace

@@ -92,4 +92,4 @@ TEST_F(Graftittel, TestknappenOgManglendeEllerOdelagtMalEndrerIngenting)
     EXPECT_EQ(mappe.les(exports::MalDesorpsjon), QByteArray("tull"));
 }
 
-} // namespace
+}  // namespace

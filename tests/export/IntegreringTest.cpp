@@ -79,8 +79,9 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     EXPECT_EQ(dialogs.meldinger(), QStringList({"Vil du lage excel-filer for 3 run?", "Eksporten er ferdig"}));
     const auto& d = dialogs.dialoger();
     ASSERT_EQ(d.size(), 5u);
-    EXPECT_EQ(QStringList({d[2].tekst, d[2].tittel, d[2].forslag, d[3].tekst, d[3].tittel, d[3].forslag}),
-              QStringList({"Angi antall minutter før", "Minutter", "25", "Angi antall minutter etter", "Minutter", "25"}));
+    EXPECT_EQ(
+        QStringList({d[2].tekst, d[2].tittel, d[2].forslag, d[3].tekst, d[3].tittel, d[3].forslag}),
+        QStringList({"Angi antall minutter før", "Minutter", "25", "Angi antall minutter etter", "Minutter", "25"}));
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     // Cycle 3: 26 rows before (3 to 28), then from the turning point again, cut at 12 minutes.
     EXPECT_EQ(label4(), exports::fremdrift(42, 3));
@@ -88,7 +89,8 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     // Cycle 1: rows 3..28 from T - 25 to T, row 29 the turning point again, cut at T + 10
     // (row 39); rows 40 to 2999 cleared.
     const Bok en = lesArbeidsbok(ut(QStringLiteral("P_1.xlsx")), true);
-    EXPECT_EQ(en.tekster({"K2", "A3", "A28", "A29", "A39", "C30", "C39", "E39", "=F3", "=F4", "=F28", "=F29", "=F39", "=L17"}),
+    EXPECT_EQ(en.tekster(
+                  {"K2", "A3", "A28", "A29", "A39", "C30", "C39", "E39", "=F3", "=F4", "=F28", "=F29", "=F39", "=L17"}),
               QStringList({"35", tidTekst(35 * 60 + 9 * 3600), tidTekst(T1 * 60), tidTekst(T1 * 60),
                            tidTekst((T1 + 10) * 60), "6", "0.5", "0", "=ABS((D3-D3)/2)", "=ABS((D4-D3)/2)",
                            "=ABS((D28-D27)/2)", "=ABS((D29-D30)/2)", "=ABS((D39-D40)/2)", "=SUM(G3:G39)"}));
@@ -98,7 +100,8 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     const Bok to = lesArbeidsbok(ut(QStringLiteral("P_2.xlsx")), true);
     EXPECT_EQ(to.tekster({"=L17", "A54"}), QStringList({"=SUM(G3:G54)", tidTekst((T2 + 25) * 60)}));
     EXPECT_EQ(sisteRad(to), 54);
-    for (const QString& a : to.celler.keys()) EXPECT_FALSE(a.startsWith(QLatin1Char('E')) && a.mid(1).toInt() > 2) << a.toStdString();
+    for (const QString& a : to.celler.keys())
+        EXPECT_FALSE(a.startsWith(QLatin1Char('E')) && a.mid(1).toInt() > 2) << a.toStdString();
 
     // Cycle 3: the empty value is written as an empty cell and does not cut.
     const Bok tre = lesArbeidsbok(ut(QStringLiteral("P_3.xlsx")), true);
@@ -169,4 +172,4 @@ TEST_F(Integrering, BatchSvarerMedMinutterForOgEtter)
     EXPECT_EQ(batch({"--set", "Text6=1", "integrate", "--prefix", "C", "--before", "x"}).status, 1);
 }
 
-} // namespace
+}  // namespace

@@ -57,7 +57,8 @@ TEST_F(Samlefil, AdsorpsjonLeggerSyklusneISineKolonnerFraNullpunktet)
 
     const Bok bok = lesArbeidsbok(ut(QStringLiteral("Forsok_Samlefil.xlsm")));
     EXPECT_TRUE(bok.json[QStringLiteral("makro")].toBool());
-    EXPECT_EQ(bok.tekster({"A2", "A37", "A38"}), QStringList({tidTekst((T1 - 15) * 60), tidTekst((T1 + 20) * 60), "7"}));
+    EXPECT_EQ(bok.tekster({"A2", "A37", "A38"}),
+              QStringList({tidTekst((T1 - 15) * 60), tidTekst((T1 + 20) * 60), "7"}));
     const int snu[] = {T1, T2, T3};
     for (int s = 0; s < 3; ++s) {
         const char k = static_cast<char>('C' + s);
@@ -140,7 +141,8 @@ TEST_F(Samlefil, BatchSvarerMedJaPrefiksOgPeriode)
     const auto ja = kjor({"--prefix", "B"});
     EXPECT_EQ(ja.status, 0) << ja.feil.toStdString();
     EXPECT_TRUE(ja.ut.contains(QStringLiteral("Eksporten er ferdig")));
-    EXPECT_EQ(lesArbeidsbok(ut(QStringLiteral("B_Samlefil.xlsm")))[QStringLiteral("A2")].toString(), tidTekst((T1 + 90) * 60));
+    EXPECT_EQ(lesArbeidsbok(ut(QStringLiteral("B_Samlefil.xlsm")))[QStringLiteral("A2")].toString(),
+              tidTekst((T1 + 90) * 60));
 
     const auto kort = kjor({"--prefix", "K", "--period", "50"});
     EXPECT_EQ(kort.status, 1);
@@ -150,4 +152,4 @@ TEST_F(Samlefil, BatchSvarerMedJaPrefiksOgPeriode)
     EXPECT_EQ(kjor({}).status, 2);
 }
 
-} // namespace
+}  // namespace

@@ -14,7 +14,8 @@ QString tidTekst(int s) { return QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1
 QVariantList Bok::diagrammer(int ark, const char* felt) const
 {
     QVariantList ut;
-    for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray()) ut << d[QLatin1String(felt)].toVariant();
+    for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray())
+        ut << d[QLatin1String(felt)].toVariant();
     return ut;
 }
 
@@ -31,7 +32,7 @@ Bok lesArbeidsbok(const QString& fil, bool bufret)
 {
     QProcess p;
     p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py"), fil,
-                                                  bufret ? QStringLiteral("--bufret") : QString()});
+                                                 bufret ? QStringLiteral("--bufret") : QString()});
     p.waitForFinished(120000);
     EXPECT_EQ(p.exitCode(), 0) << fil.toStdString() << ": " << p.readAllStandardError().toStdString();
     const QJsonObject o = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
@@ -43,7 +44,8 @@ Eksportmappe::Eksportmappe()
     for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))
         if (!QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) ADD_FAILURE() << mal.toStdString();
     QStringList linjer;
-    for (int k = 3; k <= 11; ++k) linjer << files::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), files::kolonneBokstav(k));
+    for (int k = 3; k <= 11; ++k)
+        linjer << files::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), files::kolonneBokstav(k));
     files::SkrivTilFil(mappe.sti(files::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
 }
 
@@ -65,9 +67,9 @@ void Eksportmappe::rad(int sekunder, const Verdier& verdier)
         kolonner += QStringLiteral(", ") + files::kolonneBokstav(i + 3);
         tall += QStringLiteral(", ") + (verdier[i] ? vb::sqlTekst(*verdier[i]) : QStringLiteral("Null"));
     }
-    form().kontekst().tilkobling.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst%1) VALUES ('%2', '%3'%4)")
-                                           .arg(kolonner, QStringLiteral("23/11/2012 ") + tidTekst(sekunder).mid(12, 8),
-                                                tidTekst(sekunder), tall));
+    form().kontekst().tilkobling.utfor(
+        QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst%1) VALUES ('%2', '%3'%4)")
+            .arg(kolonner, QStringLiteral("23/11/2012 ") + tidTekst(sekunder).mid(12, 8), tidTekst(sekunder), tall));
 }
 
 void Eksportmappe::rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier)
@@ -96,4 +98,4 @@ Kjoring Eksportmappe::batch(const QStringList& argumenter) const
     return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
 }
 
-} // namespace test
+}  // namespace test

@@ -33,7 +33,7 @@ QString tidTekst(int sekunder);
 
 // A workbook as openpyxl reads it; a failing read fails the test.
 struct Bok {
-    QJsonObject json;  // "ark", "diagrammer" (per sheet: {"tittel", "xmin"}), "makro"
+    QJsonObject json;     // "ark", "diagrammer" (per sheet: {"tittel", "xmin"}), "makro"
     QJsonObject celler;   // sheet 1: address -> value (for a formula its text, or its cached value when bufret)
     QJsonObject formler;  // sheet 1: address -> formula text
     QJsonValue operator[](const QString& adresse) const { return celler.value(adresse); }
@@ -51,7 +51,10 @@ protected:
     // The main window, opened on first use over the folder as it is then.
     app::Form1& form();
     void sett(dialogs::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
-    void sykluser(const char* fra, const char* til) { sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til); }
+    void sykluser(const char* fra, const char* til)
+    {
+        sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
+    }
     void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar);
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
@@ -70,4 +73,4 @@ private:
     std::unique_ptr<app::Form1> form_;
 };
 
-} // namespace test
+}  // namespace test

@@ -36,7 +36,7 @@ Kjoring batch(const QStringList& argumenter)
     return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
 }
 
-} // namespace test
+}  // namespace test
 
 // Every test program runs the real Qt application on the offscreen platform.
 int main(int argc, char** argv)

@@ -30,4 +30,4 @@ struct Kjoring {
 // Runs the built tolvik-batch with these arguments.
 Kjoring batch(const QStringList& argumenter);
 
-} // namespace test
+}  // namespace test

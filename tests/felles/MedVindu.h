@@ -22,7 +22,8 @@ namespace test {
 using Rad = std::pair<int, double>;
 
 // The first entry (CO2, letter C) is selected, the others are there to choose.
-inline const QByteArray Kolonner = "CO2                    [C]\r\nAr                    [I]\r\nBred                    [M]\r\nUten bokstav\r\n";
+inline const QByteArray Kolonner =
+    "CO2                    [C]\r\nAr                    [I]\r\nBred                    [M]\r\nUten bokstav\r\n";
 
 class MedVindu : public ::testing::Test {
 protected:
@@ -32,9 +33,10 @@ protected:
         db::Database d(mappe.sti(u"Data.mdb"_s));
         db::Transaksjon t(d);
         for (const auto& [sek, c] : rader)
-            d.utfor(u"Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('%1', '%1', %2)"_s
-                        .arg(QDateTime(QDate(2012, 11, 23), QTime(14, 0)).addSecs(sek).toString(u"dd/MM/yyyy HH:mm:ss"_s))
-                        .arg(c, 0, 'g', 17));
+            d.utfor(
+                u"Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('%1', '%1', %2)"_s
+                    .arg(QDateTime(QDate(2012, 11, 23), QTime(14, 0)).addSecs(sek).toString(u"dd/MM/yyyy HH:mm:ss"_s))
+                    .arg(c, 0, 'g', 17));
         t.fullfor();
     }
     // Starts the window on this column list (none when empty).
@@ -46,7 +48,10 @@ protected:
     }
     void svar(auto... s) { (dialogs.svar(dialogs::SkriptDialogs::Svaret(s)), ...); }
     // The cycle settings: number of cycles, start minutes, interval.
-    QStringList bokser() const { return {f->tekst(dialogs::Boks::Text6), f->tekst(dialogs::Boks::Text3), f->tekst(dialogs::Boks::Text5)}; }
+    QStringList bokser() const
+    {
+        return {f->tekst(dialogs::Boks::Text6), f->tekst(dialogs::Boks::Text3), f->tekst(dialogs::Boks::Text5)};
+    }
     void TearDown() override
     {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the normal pointer must be back";
@@ -58,4 +63,4 @@ protected:
     std::unique_ptr<app::Form1> f;
 };
 
-} // namespace test
+}  // namespace test

@@ -1,6 +1,6 @@
+#include "files/Tekstfil.h"
 #include "felles/Felles.h"
 #include "files/Oppsett.h"
-#include "files/Tekstfil.h"
 
 #include <QDir>
 #include <QFile>

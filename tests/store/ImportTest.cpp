@@ -30,7 +30,11 @@ protected:
         return f->Command2_Click();
     }
     // A CSV file of exactly these bytes in the program folder.
-    QString csv(const QByteArray& innhold) { mappe.skriv(u"radata.csv"_s, innhold); return mappe.sti(u"radata.csv"_s); }
+    QString csv(const QByteArray& innhold)
+    {
+        mappe.skriv(u"radata.csv"_s, innhold);
+        return mappe.sti(u"radata.csv"_s);
+    }
     // Every stored row as "DatoTid|DatoTid_Tekst|C D ... L", "-" for an empty column.
     QStringList lagret(const QString& hvor = {})
     {
@@ -69,12 +73,14 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
     EXPECT_EQ(mappe.les(Kolonnefil), "CO2" + blanke + "[C]\r\nN2" + blanke + "[D]\r\nO2" + blanke + "[E]\r\n");
     EXPECT_EQ(f->kolonneTekst(), u"CO2"_s + QString(20, ' ') + u"[C]"_s);
     EXPECT_EQ(lagret(), QStringList{u"2012-11-23 14:05:31|2012/11/23 ,14:05:31,1.|1.5 2 3 - - - - - - -"_s});
-    EXPECT_EQ(dialogs.meldinger(), (QStringList{u"Fila "_s + csvfil + u" består av   2 linjer. Vil du starte importen?"_s,
-                                                u"Antall linjer importert:   2"_s}));
+    EXPECT_EQ(dialogs.meldinger(),
+              (QStringList{u"Fila "_s + csvfil + u" består av   2 linjer. Vil du starte importen?"_s,
+                           u"Antall linjer importert:   2"_s}));
     const auto& d = dialogs.dialoger();
     ASSERT_EQ(d.size(), 3u);
     EXPECT_EQ(d[0].tekst, u"CSV-filer (*.CSV)|*.CSV"_s);
-    EXPECT_EQ(std::tuple(d[1].knapper, d[1].ikon, d[2].ikon), std::tuple(dialogs::Knapper::JaNei, dialogs::Ikon::Sporsmal, dialogs::Ikon::Ingen));
+    EXPECT_EQ(std::tuple(d[1].knapper, d[1].ikon, d[2].ikon),
+              std::tuple(dialogs::Knapper::JaNei, dialogs::Ikon::Sporsmal, dialogs::Ikon::Ingen));
     EXPECT_EQ(label4(), u"  2"_s);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   1 poster i databasen"_s));
 }
@@ -89,8 +95,9 @@ TEST_F(Import, FeltOgVerdierSomDeLagres)
     EXPECT_EQ(lagret().size(), 6);
     EXPECT_EQ(dialogs.meldinger().size(), 2);
     // The rows the import stores are the same as those of the store's insert statement.
-    f->kontekst().tilkobling.utfor(u"Insert into DataLinjer (DatoTid, DatoTid_Tekst, C, D) VALUES ('23/11/2012 14:05:36', '2012/11/23 ,14:05:36,0.', "_s +
-                                   vb::sqlTekst(0.12345678901234567) + ", " + vb::sqlTekst(-4.2e-10) + ")");
+    f->kontekst().tilkobling.utfor(
+        u"Insert into DataLinjer (DatoTid, DatoTid_Tekst, C, D) VALUES ('23/11/2012 14:05:36', '2012/11/23 ,14:05:36,0.', "_s +
+        vb::sqlTekst(0.12345678901234567) + ", " + vb::sqlTekst(-4.2e-10) + ")");
     const QStringList to = lagret(u"where ID >= 6"_s);
     EXPECT_EQ(to.value(0), to.value(1));
 }
@@ -122,7 +129,10 @@ TEST_F(Import, TellerLinjerMedAlleLinjesluttOgSkiftendeBredde)
 // answers in ID order, rows of the same second included.
 TEST_F(Import, TidSomGarTilbakeMerkesIDatabasen)
 {
-    const struct { QByteArray linjer; bool tidFolgerId; } tilfeller[] = {
+    const struct {
+        QByteArray linjer;
+        bool tidFolgerId;
+    } tilfeller[] = {
         {"2012/11/23,14:05:31,3,\r\n2012/11/23,14:05:31,1,\r\n2012/11/23,14:05:32,2,\r\n", true},
         {"2012/11/23,14:05:31,3,\r\n2012/11/23,14:05:30,1,\r\n2012/11/23,14:05:32,2,\r\n", false},
     };
@@ -190,18 +200,27 @@ TEST_F(Import, AvvisningerEndrerIngenting)
     husk();
     const QByteArray gyldig = "Date,Time,CO2,\r\n2012/11/23,14:05:31,1,\r\n";
     const QString mal = mappe.sti(u"Template.mdb"_s), fil = mappe.sti(u"radata.csv"_s);
-    const struct { QByteArray innhold; QString grunn; std::function<void()> etterSporsmal = {}; } tilfeller[] = {
+    const struct {
+        QByteArray innhold;
+        QString grunn;
+        std::function<void()> etterSporsmal = {};
+    } tilfeller[] = {
         {"", u"er tom (0 linjer uten tekst)"_s},
         {"\r\n\r\n", u"er tom (2 linjer uten tekst)"_s},
         {"\r\nDate,Time,CO2,\r\n", u"har bare overskriftslinja (linje 2) og ingen datalinjer"_s},
-        {QByteArray("PK\x03\x04\x00\x00,\n", 8) + "2012/11/23,14:05:31,1,\n", u"er ikke en tekstfil: linje 1 inneholder nulltegn"_s},
-        {"Date,Time" + QByteArray(",X").repeated(28) + "\r\n2012/11/23,14:05:31,1,\r\n", u"har 30 felt, men bare 29 felt kan få en kolonnebokstav (A til Å)"_s},
+        {QByteArray("PK\x03\x04\x00\x00,\n", 8) + "2012/11/23,14:05:31,1,\n",
+         u"er ikke en tekstfil: linje 1 inneholder nulltegn"_s},
+        {"Date,Time" + QByteArray(",X").repeated(28) + "\r\n2012/11/23,14:05:31,1,\r\n",
+         u"har 30 felt, men bare 29 felt kan få en kolonnebokstav (A til Å)"_s},
         {gyldig, u"Kan ikke åpne fila "_s + fil, [&] { QFile::remove(fil); }},  // gone after the question
         {gyldig, u"Finner ikke databasemalen "_s + mal + '.', [&] { QFile::remove(mal); }},
-        {gyldig, u"Databasemalen "_s + mal + u" kan ikke brukes: "_s, [&] { mappe.skriv(u"Template.mdb"_s, "ikke en database"); }},
+        {gyldig, u"Databasemalen "_s + mal + u" kan ikke brukes: "_s,
+         [&] { mappe.skriv(u"Template.mdb"_s, "ikke en database"); }},
     };
     for (const auto& t : tilfeller) {
-        dialogs.vedMelding = [e = t.etterSporsmal](const QString&) { if (e) e(); };
+        dialogs.vedMelding = [e = t.etterSporsmal](const QString&) {
+            if (e) e();
+        };
         EXPECT_EQ(importer(csv(t.innhold), t.etterSporsmal ? std::optional(Svar::Ja) : std::nullopt), Utfall::Avvist);
         const QString m = dialogs.meldinger().last();
         EXPECT_TRUE(m.contains(t.grunn) && m.endsWith(u"Ingenting er importert, og databasen er uendret."_s)) << m;
@@ -221,7 +240,8 @@ TEST_F(Import, LesefeilUnderveisStopperMedMelding)
     EXPECT_EQ(importer(lenke), Utfall::Avvist);
     const QString m = dialogs.meldinger().last();
     EXPECT_TRUE(m.startsWith(u"Importen stoppet ved linje 1 i fila "_s + lenke + u": Kan ikke lese fila"_s) &&
-                m.endsWith(u"De 0 radene som var lest inn før, er lagret."_s)) << m;
+                m.endsWith(u"De 0 radene som var lest inn før, er lagret."_s))
+        << m;
     EXPECT_EQ(lagret().size(), 0);
     EXPECT_EQ(mappe.les(Kolonnefil), GamleKolonner);
     db::Database kontroll(mappe.sti(Data));
@@ -244,7 +264,8 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
 {
     test::Programmappe p;
     auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", p.mappe()} + args); };
-    const QString fil = testfil("eksempel.csv"), sporsmal = u"Fila "_s + fil + u" består av   2 linjer. Vil du starte importen?\n\n"_s;
+    const QString fil = testfil("eksempel.csv"),
+                  sporsmal = u"Fila "_s + fil + u" består av   2 linjer. Vil du starte importen?\n\n"_s;
     auto k = kjor({"import", fil, "--no"});
     EXPECT_EQ(std::pair(k.status, k.ut), std::pair(0, sporsmal));
     EXPECT_FALSE(QFile::exists(p.sti(u"Kolonner.txt"_s)));
@@ -266,4 +287,4 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
     }
 }
 
-} // namespace
+}  // namespace

@@ -1,5 +1,5 @@
-#include "felles/Felles.h"
 #include "store/Maledata.h"
+#include "felles/Felles.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,8 @@ TEST(Tittel, AntallOgVersjon)
 {
     EXPECT_EQ(store::tittel(0, QStringLiteral("1.6 (06.01.2013)")),
               QStringLiteral("Tolvik -    poster i databasen  [Versjon: 1.6 (06.01.2013)]"));
-    EXPECT_EQ(store::tittel(1000, QStringLiteral("x")), QStringLiteral("Tolvik -  1 000 poster i databasen  [Versjon: x]"));
+    EXPECT_EQ(store::tittel(1000, QStringLiteral("x")),
+              QStringLiteral("Tolvik -  1 000 poster i databasen  [Versjon: x]"));
 }
 
 TEST(HentVerdi, BareCTilHMedStorBokstav)
@@ -16,7 +17,8 @@ TEST(HentVerdi, BareCTilHMedStorBokstav)
     db::Database db(mappe.sti("Data.mdb"));
     db.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst, C, D, E, F, G, H, I) VALUES "
                             "('23/11/2012 14:05:31', 't', 0.1, 2, 3, 4, 5, 6, 7)"));
-    db.utfor(QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('23/11/2012 14:05:33', 't', 1)"));
+    db.utfor(
+        QStringLiteral("Insert into DataLinjer (DatoTid, DatoTid_Tekst, C) VALUES ('23/11/2012 14:05:33', 't', 1)"));
     auto p = db.spor(QStringLiteral("Select * from dataLinjer"));
     EXPECT_EQ(store::HentVerdi(QStringLiteral("C"), p), 0.1f);
     EXPECT_EQ(store::HentVerdi(QStringLiteral("H"), p), 6.0f);

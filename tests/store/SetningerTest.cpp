@@ -1,8 +1,8 @@
 // Every statement form the commands send, answered by the store on a real keyed database file.
+#include "store/Setninger.h"
 #include "felles/Felles.h"
 #include "platform/db/Database.h"
 #include "platform/db/JetDialekt.h"
-#include "store/Setninger.h"
 
 #include <QFile>
 #include <gtest/gtest.h>
@@ -96,7 +96,10 @@ TEST_F(Setninger, TreffUnderTerskelITidsrekkefolge)
 TEST_F(Setninger, YtterpunktInnenforTidsrom)
 {
     for (const char* v : {"9", "5", "7", "7", "8", "9"})  // 10:00:00 and 10:00:10 lie outside the spans
-        rad(QStringLiteral("23/11/2012 10:00:%1").arg(2 * store::antallRader(db), 2, 10, QLatin1Char('0')).toLatin1().constData(),
+        rad(QStringLiteral("23/11/2012 10:00:%1")
+                .arg(2 * store::antallRader(db), 2, 10, QLatin1Char('0'))
+                .toLatin1()
+                .constData(),
             QLatin1String(v));
     const QString C = QStringLiteral("C");
     // Turning points: from the first key inclusive to the second exclusive; the first of equal ones wins.
@@ -156,4 +159,4 @@ TEST(Databasefil, KreverNokkelen)
     EXPECT_FALSE(mappe.les("Data.mdb").startsWith("SQLite format 3"));
 }
 
-} // namespace
+}  // namespace

@@ -27,7 +27,7 @@ void formatFunksjon(sqlite3_context* ctx, int, sqlite3_value** argv)
     sqlite3_result_text(ctx, nokkel.constData(), static_cast<int>(nokkel.size()), SQLITE_TRANSIENT);
 }
 
-} // namespace
+}  // namespace
 
 Database::~Database() { lukk(); }
 
@@ -64,9 +64,10 @@ void Database::apneFil(const QString& fil, int flagg)
                     sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
     if (!ok) {
         lukk();
-        throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: fila er ikke en database, eller den har et annet passord")
-                         .arg(fil)
-                         .toStdString());
+        throw DbFeil(
+            QStringLiteral("Kan ikke åpne databasen %1: fila er ikke en database, eller den har et annet passord")
+                .arg(fil)
+                .toStdString());
     }
     tidFolgerId_ = spor(QStringLiteral("PRAGMA user_version")).tall(0) == TidFolgerId;
     sqlite3_create_function(db_, "format", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, formatFunksjon, nullptr,
@@ -82,8 +83,7 @@ void Database::aapne(const QString& fil)
 
 void Database::lag(const QString& fil)
 {
-    if (QFile::exists(fil))
-        throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
+    if (QFile::exists(fil)) throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
     apneFil(fil, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
 }
 
@@ -138,7 +138,8 @@ void Transaksjon::fullfor()
 }
 
 StortMellomlager::StortMellomlager(Database& db)
-    : db_(db), vanlig_("PRAGMA cache_size = " + std::to_string(static_cast<long long>(db.spor("PRAGMA cache_size").tall(0))))
+    : db_(db),
+      vanlig_("PRAGMA cache_size = " + std::to_string(static_cast<long long>(db.spor("PRAGMA cache_size").tall(0))))
 {
     db_.utforSqlite("PRAGMA cache_size = -100000");  // 100 MB: twice the time index of a million rows
 }
@@ -245,4 +246,4 @@ vb::Dato Recordset::dato(int k) const
     throw DbFeil("Feltet inneholder ikke en gyldig dato");
 }
 
-} // namespace db
+}  // namespace db

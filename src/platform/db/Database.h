@@ -130,4 +130,4 @@ private:
     std::vector<std::string> navn_;
 };
 
-} // namespace db
+}  // namespace db

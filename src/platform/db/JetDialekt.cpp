@@ -30,7 +30,7 @@ QString erstatt(const QString& tekst, const QRegularExpression& monster, F lag)
     return ut;
 }
 
-} // namespace
+}  // namespace
 
 QString tilSqlite(const QString& setning, bool tidFolgerId)
 {
@@ -73,4 +73,4 @@ QString tilSqlite(const QString& setning, bool tidFolgerId)
     return ut;
 }
 
-} // namespace db
+}  // namespace db

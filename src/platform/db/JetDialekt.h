@@ -17,4 +17,4 @@ namespace db {
 // from one ID to the next) a closing "order by ID" becomes "order by DatoTid, ID".
 QString tilSqlite(const QString& setning, bool tidFolgerId = false);
 
-} // namespace db
+}  // namespace db

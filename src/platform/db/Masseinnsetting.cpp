@@ -9,7 +9,8 @@ Masseinnsetting::Masseinnsetting(Database& d, std::string_view innsetting, int t
     : db_(d), innsetting_(innsetting), tekster_(tekster), tall_(tall)
 {
     if (tekster < 0 || tall < 0 || tekster > MaksTekster || tekster + tall > MaksKolonner)
-        throw DbFeil(QStringLiteral("Innsettingen har for mange kolonner (%1)").arg(QString::fromUtf8(innsetting))
+        throw DbFeil(QStringLiteral("Innsettingen har for mange kolonner (%1)")
+                         .arg(QString::fromUtf8(innsetting))
                          .toStdString());
 }
 
@@ -70,4 +71,4 @@ void Masseinnsetting::send(const std::function<Rad(size_t)>& kilde, size_t forst
     lagret_ += antall;
 }
 
-} // namespace db
+}  // namespace db

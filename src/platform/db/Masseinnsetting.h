@@ -63,4 +63,4 @@ private:
     int64_t lagret_ = 0;
 };
 
-} // namespace db
+}  // namespace db

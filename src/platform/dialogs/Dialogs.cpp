@@ -23,4 +23,4 @@ bool Sporsmal::stilles(Art a, const QString& t, const QString& tt) const
         .hasMatch();
 }
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -50,4 +50,4 @@ public:
     void feilGrunn(const std::exception& e) { feilGrunn(QString::fromUtf8(e.what())); }
 };
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -59,4 +59,4 @@ QString QtDialogs::velgFil(const QString& filter)
 
 void QtDialogs::feilGrunn(const QString& grunn) { qWarning().noquote() << grunn; }
 
-} // namespace dialogs
+}  // namespace dialogs

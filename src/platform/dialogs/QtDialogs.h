@@ -24,4 +24,4 @@ private:
     QWidget* eier_;
 };
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -16,8 +16,7 @@ SkriptDialogs::Svaret SkriptDialogs::neste(Sporsmal::Art art, const QString& tek
 {
     auto it = std::find_if(svar_.begin(), svar_.end(),
                            [&](const Oppfort& o) { return o.sporsmal && o.sporsmal->stilles(art, tekst, tittel); });
-    if (it == svar_.end())
-        it = std::find_if(svar_.begin(), svar_.end(), [](const Oppfort& o) { return !o.sporsmal; });
+    if (it == svar_.end()) it = std::find_if(svar_.begin(), svar_.end(), [](const Oppfort& o) { return !o.sporsmal; });
     if (it == svar_.end()) throw UbesvartSporsmal{tekst};
     Svaret s = std::move(it->svar);
     svar_.erase(it);
@@ -58,4 +57,4 @@ void SkriptDialogs::feilGrunn(const QString& grunn)
     if (vedGrunn) vedGrunn(grunn);
 }
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -68,4 +68,4 @@ private:
     QStringList grunner_;
 };
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -100,4 +100,4 @@ private:
     Vindu& v_;
 };
 
-} // namespace dialogs
+}  // namespace dialogs

@@ -72,7 +72,7 @@ bool sifreOk(std::string_view s, std::initializer_list<size_t> plasser)
     return true;
 }
 
-} // namespace
+}  // namespace
 
 double rundHalvTilPar(double x) { return std::nearbyint(x); }
 
@@ -264,13 +264,10 @@ Dato Dato::leggTilMinutter(double minutter) const
     return Dato(sek_ + static_cast<int64_t>(hele) * 60);
 }
 
-int64_t minutterMellom(const Dato& a, const Dato& b)
-{
-    return gulvDel(b.sekunder(), 60) - gulvDel(a.sekunder(), 60);
-}
+int64_t minutterMellom(const Dato& a, const Dato& b) { return gulvDel(b.sekunder(), 60) - gulvDel(a.sekunder(), 60); }
 
 int64_t sekunderMellom(const Dato& a, const Dato& b) { return b.sekunder() - a.sekunder(); }
 
 QString dagensDatoTekst() { return QDate::currentDate().toString(QStringLiteral("ddMMyyyy")); }
 
-} // namespace vb
+}  // namespace vb

@@ -99,4 +99,4 @@ int64_t sekunderMellom(const Dato& a, const Dato& b);
 // Today's date as "ddmmyyyy", the start of the proposed file-name prefix.
 QString dagensDatoTekst();
 
-} // namespace vb
+}  // namespace vb

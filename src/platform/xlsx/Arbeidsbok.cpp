@@ -13,7 +13,8 @@ namespace xlsx {
 namespace {
 
 // The attribute of a relationship id ("r:id") whatever its prefix.
-const char* relId(pugi::xml_node n) {
+const char* relId(pugi::xml_node n)
+{
     for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute())
         if (std::string_view(a.name()).ends_with(":id")) return a.value();
     return "";
@@ -23,7 +24,8 @@ class Bok final : public Arbeidsbok, public Bokdeler {
 public:
     explicit Bok(const QString& sti) : sti_(sti), pakke_(sti) { lesStruktur(); }
 
-    Arbeidsark& ark(int posisjon) override {
+    Arbeidsark& ark(int posisjon) override
+    {
         if (posisjon < 1 || posisjon > static_cast<int>(ark_.size()))
             throw XlsxFeil("Arbeidsboka har ikke ark nr " + std::to_string(posisjon));
         auto& a = ark_[posisjon - 1];
@@ -31,9 +33,10 @@ public:
         return *a.ark;
     }
 
-    void lagreSom(const QString& sti) override {
+    void lagreSom(const QString& sti) override
+    {
         skriv(sti);
-        sti_ = sti; // like a spreadsheet application: the workbook now lives under the new name
+        sti_ = sti;  // like a spreadsheet application: the workbook now lives under the new name
     }
     void lagre() override { skriv(sti_); }
 
@@ -41,7 +44,8 @@ public:
 
     std::string lesDel(const std::string& del) override { return pakke_.lesDel(del); }
 
-    const std::string& deltTekst(long indeks) override {
+    const std::string& deltTekst(long indeks) override
+    {
         if (!delteLest_) {
             delteLest_ = true;
             if (!delteSti_.empty()) {
@@ -55,7 +59,8 @@ public:
         return indeks >= 0 && indeks < static_cast<long>(delte_.size()) ? delte_[indeks] : ingen;
     }
 
-    Diagram& diagram(const std::string& arkSti, int nr) override {
+    Diagram& diagram(const std::string& arkSti, int nr) override
+    {
         std::string tegning;
         for (auto& r : pakke_.relasjoner(arkSti))
             if (r.type.ends_with("/drawing")) tegning = r.maal;
@@ -78,24 +83,26 @@ public:
         if (!rid.empty())
             for (auto& r : pakke_.relasjoner(tegning))
                 if (r.id == rid) del = r.maal;
-        if (del.empty() || !pakke_.finnes(del))
-            throw XlsxFeil("Arket har ikke diagramobjekt nr " + std::to_string(nr));
+        if (del.empty() || !pakke_.finnes(del)) throw XlsxFeil("Arket har ikke diagramobjekt nr " + std::to_string(nr));
         auto& plass = diagrammer_[del];
         if (!plass) plass = std::make_unique<Diagramdel>(del, pakke_.lesDel(del));
         return *plass;
     }
 
 private:
-    void lesStruktur() {
+    void lesStruktur()
+    {
         for (auto& r : pakke_.relasjoner(""))
             if (r.type.ends_with("/officeDocument")) bokSti_ = r.maal;
-        if (bokSti_.empty() || !pakke_.finnes(bokSti_))
-            throw XlsxFeil("Ikke en arbeidsbok: " + sti_.toStdString());
+        if (bokSti_.empty() || !pakke_.finnes(bokSti_)) throw XlsxFeil("Ikke en arbeidsbok: " + sti_.toStdString());
         std::map<std::string, std::string> arkAvId;
         for (auto& r : pakke_.relasjoner(bokSti_)) {
-            if (r.type.ends_with("/worksheet")) arkAvId[r.id] = r.maal;
-            else if (r.type.ends_with("/sharedStrings")) delteSti_ = r.maal;
-            else if (r.type.ends_with("/calcChain")) beregningskjede_ = r.maal;
+            if (r.type.ends_with("/worksheet"))
+                arkAvId[r.id] = r.maal;
+            else if (r.type.ends_with("/sharedStrings"))
+                delteSti_ = r.maal;
+            else if (r.type.ends_with("/calcChain"))
+                beregningskjede_ = r.maal;
         }
         pugi::xml_document d;
         pakke_.lesXml(bokSti_, d);
@@ -106,7 +113,8 @@ private:
     }
 
     // The parts that differ from the opened package, and those left out, for a file named sti.
-    Endringer endringer(const QString& sti) {
+    Endringer endringer(const QString& sti)
+    {
         Endringer e;
         bool formlerEndret = false, beregn = false;
         for (auto& a : ark_) {
@@ -135,14 +143,15 @@ private:
     }
 
     // <calcPr fullCalcOnLoad="1"/>, placed where the workbook schema wants it.
-    static void settBeregnVedLasting(pugi::xml_node bok) {
+    static void settBeregnVedLasting(pugi::xml_node bok)
+    {
         std::string ns;
         if (const char* k = std::strchr(bok.name(), ':')) ns.assign(bok.name(), k + 1);
         pugi::xml_node calc = bok.child((ns + "calcPr").c_str());
         if (!calc) {
-            static const char* const etter[] = {"oleSize", "customWorkbookViews", "pivotCaches", "smartTagPr",
-                                                "smartTagTypes", "webPublishing", "fileRecoveryPr",
-                                                "webPublishObjects", "extLst"};
+            static const char* const etter[] = {"oleSize",        "customWorkbookViews", "pivotCaches",
+                                                "smartTagPr",     "smartTagTypes",       "webPublishing",
+                                                "fileRecoveryPr", "webPublishObjects",   "extLst"};
             pugi::xml_node foran;
             for (pugi::xml_node b = bok.first_child(); b && !foran; b = b.next_sibling())
                 for (const char* e : etter)
@@ -170,8 +179,8 @@ private:
     bool delteLest_ = false;
 };
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<Arbeidsbok> apne(const QString& sti) { return std::make_unique<Bok>(sti); }
 
-} // namespace xlsx
+}  // namespace xlsx

@@ -66,4 +66,4 @@ public:
 // Opens a workbook file into memory; XlsxFeil when it cannot be read as a workbook.
 std::unique_ptr<Arbeidsbok> apne(const QString& sti);
 
-} // namespace xlsx
+}  // namespace xlsx

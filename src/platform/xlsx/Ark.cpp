@@ -18,7 +18,8 @@ using formel::Resultat;
 namespace {
 
 // The element's attributes as they stand, those named in utenom left out.
-void attributter(std::string& ut, pugi::xml_node n, std::initializer_list<std::string_view> utenom) {
+void attributter(std::string& ut, pugi::xml_node n, std::initializer_list<std::string_view> utenom)
+{
     for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute()) {
         if (std::find(utenom.begin(), utenom.end(), std::string_view(a.name())) != utenom.end()) continue;
         ut += ' ';
@@ -30,24 +31,25 @@ void attributter(std::string& ut, pugi::xml_node n, std::initializer_list<std::s
 }
 
 // The plain text of an inline rich-text element.
-std::string rikTekst(const std::string& xml) {
+std::string rikTekst(const std::string& xml)
+{
     pugi::xml_document d;
     d.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
     return rentTekst(d);
 }
 
-} // namespace
+}  // namespace
 
 // ---------------------------------------------------------------- reading
 
-void Ark::last() {
+void Ark::last()
+{
     if (lastet_) return;
     std::string xml = bok_.lesDel(sti_);
     size_t start = std::string::npos;
     for (size_t p = xml.find("sheetData"); p != std::string::npos; p = xml.find("sheetData", p + 1)) {
         size_t lt = p;
-        while (lt > 0 && xml[lt - 1] != '<' && xml[lt - 1] != '>' && xml[lt - 1] != '/' && xml[lt - 1] != ' ')
-            --lt;
+        while (lt > 0 && xml[lt - 1] != '<' && xml[lt - 1] != '>' && xml[lt - 1] != '/' && xml[lt - 1] != ' ') --lt;
         if (lt > 0 && xml[lt - 1] == '<') {
             start = lt - 1;
             ns_ = xml.substr(lt, p - lt);
@@ -158,14 +160,16 @@ void Ark::last() {
     sist_ = rader_.end();
 }
 
-formel::Tolkelager& Ark::tolkelager() {
+formel::Tolkelager& Ark::tolkelager()
+{
     static formel::Tolkelager lager;
     return lager;
 }
 
 // ---------------------------------------------------------------- cells
 
-Ark::Celle* Ark::finn(int rad, int kol) {
+Ark::Celle* Ark::finn(int rad, int kol)
+{
     if (sist_ == rader_.end() || sist_->first != rad) {
         auto it = rader_.find(rad);
         if (it == rader_.end()) return nullptr;
@@ -176,14 +180,15 @@ Ark::Celle* Ark::finn(int rad, int kol) {
     return it != v.end() && it->kol == kol ? &*it : nullptr;
 }
 
-Ark::Celle& Ark::hent(int rad, int kol) {
+Ark::Celle& Ark::hent(int rad, int kol)
+{
     if (rad < 1 || rad > 1048576 || kol < 1 || kol > 16384)
         throw XlsxFeil("Ugyldig celle: rad " + std::to_string(rad) + ", kolonne " + std::to_string(kol));
     if (sist_ == rader_.end() || sist_->first != rad)
         sist_ = rader_.empty() || rader_.rbegin()->first < rad ? rader_.emplace_hint(rader_.end(), rad, Rad{})
-                                                                : rader_.try_emplace(rad).first;
+                                                               : rader_.try_emplace(rad).first;
     auto& v = sist_->second.celler;
-    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size())); // rows fill up cell by cell
+    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size()));  // rows fill up cell by cell
     if (v.empty() || v.back().kol < kol) {
         v.emplace_back().kol = kol;
         return v.back();
@@ -196,14 +201,16 @@ Ark::Celle& Ark::hent(int rad, int kol) {
     return *it;
 }
 
-void Ark::fjernFormel(Celle& c) {
+void Ark::fjernFormel(Celle& c)
+{
     if (!c.formel) return;
     c.formel.reset();
     --antallFormler_;
     formlerEndret_ = true;
 }
 
-void Ark::settCelle(int rad, int kolonne, const Verdi& verdi) {
+void Ark::settCelle(int rad, int kolonne, const Verdi& verdi)
+{
     last();
     endring();
     bool tom = std::holds_alternative<std::monostate>(verdi) ||
@@ -237,7 +244,8 @@ void Ark::settCelle(int rad, int kolonne, const Verdi& verdi) {
     }
 }
 
-void Ark::settFormel(const QString& adresse, const QString& tekst) {
+void Ark::settFormel(const QString& adresse, const QString& tekst)
+{
     last();
     int rad, kol;
     if (!formel::lesAdresse(adresse.toStdString(), rad, kol))
@@ -253,7 +261,8 @@ void Ark::settFormel(const QString& adresse, const QString& tekst) {
     formlerEndret_ = true;
 }
 
-void Ark::tomCelle(int rad, int kolonne) {
+void Ark::tomCelle(int rad, int kolonne)
+{
     last();
     endring();
     auto it = rader_.find(rad);
@@ -265,7 +274,8 @@ void Ark::tomCelle(int rad, int kolonne) {
     v.erase(c);
 }
 
-void Ark::tomRad(int rad) {
+void Ark::tomRad(int rad)
+{
     last();
     endring();
     auto it = rader_.find(rad);
@@ -277,11 +287,11 @@ void Ark::tomRad(int rad) {
         c.tekst.clear();
     }
     // Formatting stays: a styled cell remains as an empty cell.
-    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra.empty(); }),
-            v.end());
+    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra.empty(); }), v.end());
 }
 
-Verdi Ark::celle(int rad, int kolonne) {
+Verdi Ark::celle(int rad, int kolonne)
+{
     last();
     Resultat r = kilde_.celle(rad, kolonne);
     switch (r.art) {
@@ -294,10 +304,11 @@ Verdi Ark::celle(int rad, int kolonne) {
 
 // ---------------------------------------------------------------- values
 
-Resultat Ark::verdiAv(Celle& c) {
+Resultat Ark::verdiAv(Celle& c)
+{
     FormelDel& f = *c.formel;
     if (f.gen == gen_) {
-        if (f.underveis) return Resultat::feil("#REF!", true); // circular reference
+        if (f.underveis) return Resultat::feil("#REF!", true);  // circular reference
         return f.verdi;
     }
     f.gen = gen_;
@@ -310,7 +321,8 @@ Resultat Ark::verdiAv(Celle& c) {
     return r;
 }
 
-Resultat Ark::resultat(Celle& c) {
+Resultat Ark::resultat(Celle& c)
+{
     if (c.formel) return verdiAv(c);
     switch (c.art) {
     case Celle::Tom: return {};
@@ -324,12 +336,14 @@ Resultat Ark::resultat(Celle& c) {
     return {};
 }
 
-Resultat Ark::Kilde::celle(int rad, int kolonne) {
+Resultat Ark::Kilde::celle(int rad, int kolonne)
+{
     Celle* c = ark_.finn(rad, kolonne);
     return c ? ark_.resultat(*c) : Resultat{};
 }
 
-void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver) {
+void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver)
+{
     for (auto it = ark_.rader_.lower_bound(rad1); it != ark_.rader_.end() && it->first <= rad2; ++it) {
         auto& v = it->second.celler;
         auto c = std::lower_bound(v.begin(), v.end(), kol1, [](const Celle& x, int k) { return x.kol < k; });
@@ -342,21 +356,24 @@ void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::funct
 
 // ---------------------------------------------------------------- writing
 
-void Ark::apneTagg(std::string& ut, const char* navn) const {
+void Ark::apneTagg(std::string& ut, const char* navn) const
+{
     ut += '<';
     ut += ns_;
     ut += navn;
     ut += '>';
 }
 
-void Ark::lukkTagg(std::string& ut, const char* navn) const {
+void Ark::lukkTagg(std::string& ut, const char* navn) const
+{
     ut += "</";
     ut += ns_;
     ut += navn;
     ut += '>';
 }
 
-void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
+void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
+{
     ut += "<";
     ut += ns_;
     ut += "c r=\"";
@@ -370,14 +387,20 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
     // Type attribute and value element.
     const char* type = nullptr;
     std::string verdi;
-    bool harV = false; // a <v> element, also an empty one for an empty text result
+    bool harV = false;  // a <v> element, also an empty one for an empty text result
     bool rik = false;
     if (c.formel) {
         Resultat r = verdiAv(c);
         switch (r.art) {
         case Resultat::Tall: leggTilTall(verdi, r.tall); break;
-        case Resultat::Logisk: type = "b"; verdi = r.tall != 0 ? "1" : "0"; break;
-        case Resultat::Tekst: type = "str"; leggTilTekst(verdi, r.tekst); break;
+        case Resultat::Logisk:
+            type = "b";
+            verdi = r.tall != 0 ? "1" : "0";
+            break;
+        case Resultat::Tekst:
+            type = "str";
+            leggTilTekst(verdi, r.tekst);
+            break;
         case Resultat::Feil:
             if (!r.usikker) {
                 type = "e";
@@ -391,11 +414,23 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
         switch (c.art) {
         case Celle::Tom: break;
         case Celle::Tall: leggTilTall(verdi, c.tall); break;
-        case Celle::Logisk: type = "b"; verdi = c.tall != 0 ? "1" : "0"; break;
-        case Celle::Delt: type = "s"; leggTilHeltall(verdi, static_cast<long>(c.tall)); break;
-        case Celle::Feil: type = "e"; leggTilTekst(verdi, c.tekst); break;
+        case Celle::Logisk:
+            type = "b";
+            verdi = c.tall != 0 ? "1" : "0";
+            break;
+        case Celle::Delt:
+            type = "s";
+            leggTilHeltall(verdi, static_cast<long>(c.tall));
+            break;
+        case Celle::Feil:
+            type = "e";
+            leggTilTekst(verdi, c.tekst);
+            break;
         case Celle::Tekst: type = "inlineStr"; break;
-        case Celle::Rik: type = "inlineStr"; rik = true; break;
+        case Celle::Rik:
+            type = "inlineStr";
+            rik = true;
+            break;
         }
     }
     if (type) {
@@ -459,7 +494,8 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c) {
 
 // Runs of cells down a column whose formulas differ only by their row are written as one
 // shared formula: its text once, in the first cell.
-void Ark::finnDelteFormler() {
+void Ark::finnDelteFormler()
+{
     struct Lop {
         const formel::Uttrykk* tre = nullptr;
         int sisteRad = 0;
@@ -488,9 +524,10 @@ void Ark::finnDelteFormler() {
     }
 }
 
-std::string Ark::skriv() {
+std::string Ark::skriv()
+{
     last();
-    ++gen_; // every formula is computed anew for the file
+    ++gen_;  // every formula is computed anew for the file
     finnDelteFormler();
     int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
     size_t antall = 0;
@@ -542,4 +579,4 @@ std::string Ark::skriv() {
     return ut;
 }
 
-} // namespace xlsx
+}  // namespace xlsx

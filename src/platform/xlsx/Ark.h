@@ -45,7 +45,7 @@ private:
     struct FormelDel {
         std::string tekst;  // as stored, without "="
         std::string attr;   // raw attributes of <f> kept for array formulas
-        int rad = 0; // the row of the cell, which relative references start from
+        int rad = 0;        // the row of the cell, which relative references start from
         std::shared_ptr<const formel::Uttrykk> tre;
         uint64_t gen = 0;
         bool underveis = false;
@@ -58,14 +58,14 @@ private:
         enum Art : unsigned char { Tom, Tall, Tekst, Delt, Logisk, Feil, Rik };
         int kol = 0;
         Art art = Tom;
-        double tall = 0;    // number, logical, shared-string index
-        std::string tekst;  // text, error code, or the raw <is> element of rich text
-        long stil = -1;     // s attribute, the index of the cell format; -1 without
-        std::string ekstra; // other attributes of <c>, raw
+        double tall = 0;     // number, logical, shared-string index
+        std::string tekst;   // text, error code, or the raw <is> element of rich text
+        long stil = -1;      // s attribute, the index of the cell format; -1 without
+        std::string ekstra;  // other attributes of <c>, raw
         std::unique_ptr<FormelDel> formel;
     };
     struct Rad {
-        std::string attr; // attributes of <row> but r and spans, raw
+        std::string attr;  // attributes of <row> but r and spans, raw
         std::vector<Celle> celler;
     };
 
@@ -86,7 +86,11 @@ private:
     Celle* finn(int rad, int kol);
     Celle& hent(int rad, int kol);
     void fjernFormel(Celle& c);
-    void endring() { endret_ = true; ++gen_; }
+    void endring()
+    {
+        endret_ = true;
+        ++gen_;
+    }
     formel::Resultat verdiAv(Celle& c);
     void finnDelteFormler();
     void apneTagg(std::string& ut, const char* navn) const;
@@ -100,8 +104,8 @@ private:
     bool formlerEndret_ = false;
     long antallFormler_ = 0;
     uint64_t gen_ = 1;
-    std::string foran_, bak_; // the XML around the cell data
-    std::string ns_;          // prefix of the sheet's elements ("" or "x:")
+    std::string foran_, bak_;  // the XML around the cell data
+    std::string ns_;           // prefix of the sheet's elements ("" or "x:")
     std::map<int, Rad> rader_;
     std::map<int, Rad>::iterator sist_ = rader_.end();
     Kilde kilde_{*this};
@@ -109,4 +113,4 @@ private:
     static formel::Tolkelager& tolkelager();
 };
 
-} // namespace xlsx
+}  // namespace xlsx

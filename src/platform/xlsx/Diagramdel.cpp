@@ -16,19 +16,27 @@ const char* const tegningNs = "http://schemas.openxmlformats.org/drawingml/2006/
 
 // The prefix bound to a namespace on the root ("c:"), "" for the default namespace,
 // or nothing when it is not declared there.
-bool prefiks(pugi::xml_node rot, const char* uri, std::string& ut) {
+bool prefiks(pugi::xml_node rot, const char* uri, std::string& ut)
+{
     for (pugi::xml_attribute at = rot.first_attribute(); at; at = at.next_attribute()) {
         if (std::strcmp(at.value(), uri) != 0) continue;
         std::string_view n = at.name();
-        if (n == "xmlns") { ut.clear(); return true; }
-        if (n.substr(0, 6) == "xmlns:") { ut = std::string(n.substr(6)) + ":"; return true; }
+        if (n == "xmlns") {
+            ut.clear();
+            return true;
+        }
+        if (n.substr(0, 6) == "xmlns:") {
+            ut = std::string(n.substr(6)) + ":";
+            return true;
+        }
     }
     return false;
 }
 
-} // namespace
+}  // namespace
 
-Diagramdel::Diagramdel(std::string sti, const std::string& xml) : sti_(std::move(sti)) {
+Diagramdel::Diagramdel(std::string sti, const std::string& xml) : sti_(std::move(sti))
+{
     lesXml(doc_, xml, medDeklarasjon | pugi::parse_ws_pcdata, "Ødelagt diagram: " + sti_, true);
     pugi::xml_node rot = doc_.document_element();
     if (!prefiks(rot, chartNs, c_)) throw XlsxFeil("Ikke et diagram: " + sti_);
@@ -38,13 +46,15 @@ Diagramdel::Diagramdel(std::string sti, const std::string& xml) : sti_(std::move
     }
 }
 
-pugi::xml_node Diagramdel::diagram() const {
+pugi::xml_node Diagramdel::diagram() const
+{
     pugi::xml_node d = doc_.document_element().child(c("chart").c_str());
     if (!d) throw XlsxFeil("Diagrammet mangler innhold: " + sti_);
     return d;
 }
 
-QString Diagramdel::tittel() const {
+QString Diagramdel::tittel() const
+{
     pugi::xml_node tx = diagram().child(c("title").c_str()).child(c("tx").c_str());
     std::string ut;
     if (pugi::xml_node rik = tx.child(c("rich").c_str())) {
@@ -53,8 +63,10 @@ QString Diagramdel::tittel() const {
             if (!forste) ut += '\n';
             forste = false;
             for (pugi::xml_node r = p.first_child(); r; r = r.next_sibling()) {
-                if (r.name() == a("br")) ut += '\n';
-                else ut += r.child(a("t").c_str()).child_value();
+                if (r.name() == a("br"))
+                    ut += '\n';
+                else
+                    ut += r.child(a("t").c_str()).child_value();
             }
         }
     } else if (pugi::xml_node ref = tx.child(c("strRef").c_str())) {
@@ -63,7 +75,8 @@ QString Diagramdel::tittel() const {
     return QString::fromStdString(ut);
 }
 
-void Diagramdel::settTittel(const QString& tekst) {
+void Diagramdel::settTittel(const QString& tekst)
+{
     pugi::xml_node d = diagram();
     pugi::xml_node tittel = d.child(c("title").c_str());
     bool ny = !tittel;
@@ -87,11 +100,15 @@ void Diagramdel::settTittel(const QString& tekst) {
     while (pugi::xml_node p = rik.child(a("p").c_str())) rik.remove_child(p);
     for (const QString& linje : tekst.split(QLatin1Char('\n'))) {
         pugi::xml_node p = rik.append_child(a("p").c_str());
-        if (pPr) p.append_copy(pPr);
-        else p.append_child(a("pPr").c_str()).append_child(a("defRPr").c_str());
+        if (pPr)
+            p.append_copy(pPr);
+        else
+            p.append_child(a("pPr").c_str()).append_child(a("defRPr").c_str());
         pugi::xml_node r = p.append_child(a("r").c_str());
-        if (rPr) r.append_copy(rPr);
-        else r.append_child(a("rPr").c_str()).append_attribute("lang") = "nb-NO";
+        if (rPr)
+            r.append_copy(rPr);
+        else
+            r.append_child(a("rPr").c_str()).append_attribute("lang") = "nb-NO";
         r.append_child(a("t").c_str()).text().set(linje.toStdString().c_str());
     }
     if (ny) tittel.append_child(c("overlay").c_str()).append_attribute("val") = "0";
@@ -102,7 +119,8 @@ void Diagramdel::settTittel(const QString& tekst) {
     endret_ = true;
 }
 
-pugi::xml_node Diagramdel::horisontalAkse() const {
+pugi::xml_node Diagramdel::horisontalAkse() const
+{
     pugi::xml_node omrade = diagram().child(c("plotArea").c_str());
     pugi::xml_node gruppe;
     for (pugi::xml_node n = omrade.first_child(); n && !gruppe; n = n.next_sibling())
@@ -114,7 +132,8 @@ pugi::xml_node Diagramdel::horisontalAkse() const {
     for (pugi::xml_node id = gruppe.child(c("axId").c_str()); id; id = id.next_sibling(c("axId").c_str())) {
         std::string_view nr = id.attribute("val").value();
         for (pugi::xml_node akse = omrade.first_child(); akse; akse = akse.next_sibling()) {
-            if (!std::string_view(akse.name()).ends_with("Ax") || akse.child(c("axId").c_str()).attribute("val").value() != nr)
+            if (!std::string_view(akse.name()).ends_with("Ax") ||
+                akse.child(c("axId").c_str()).attribute("val").value() != nr)
                 continue;
             std::string navn = std::string(akse.name()).substr(c_.size());
             if (xy) {
@@ -131,7 +150,8 @@ pugi::xml_node Diagramdel::horisontalAkse() const {
     return valgt;
 }
 
-void Diagramdel::settKategoriMinimum(double minimum) {
+void Diagramdel::settKategoriMinimum(double minimum)
+{
     pugi::xml_node akse = horisontalAkse();
     pugi::xml_node skala = akse.child(c("scaling").c_str());
     if (!skala) skala = akse.insert_child_after(c("scaling").c_str(), akse.child(c("axId").c_str()));
@@ -150,4 +170,4 @@ void Diagramdel::settKategoriMinimum(double minimum) {
 
 std::string Diagramdel::skriv() const { return skrivXml(doc_); }
 
-} // namespace xlsx
+}  // namespace xlsx

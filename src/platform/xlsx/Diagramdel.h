@@ -28,8 +28,8 @@ private:
 
     std::string sti_;
     pugi::xml_document doc_;
-    std::string c_, a_; // prefixes of the chart and drawing namespaces
+    std::string c_, a_;  // prefixes of the chart and drawing namespaces
     bool endret_ = false;
 };
 
-} // namespace xlsx
+}  // namespace xlsx

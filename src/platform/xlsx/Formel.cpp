@@ -33,7 +33,8 @@ bool erNavnTegn(char c) { return erBokstav(c) || erSiffer(c) || c == '_' || c ==
 bool erBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 // "$AB$12" in full, or false.
-bool lesRef(std::string_view t, Token& tok) {
+bool lesRef(std::string_view t, Token& tok)
+{
     size_t i = 0;
     tok.fastKol = i < t.size() && t[i] == '$';
     if (tok.fastKol) ++i;
@@ -57,17 +58,24 @@ bool lesRef(std::string_view t, Token& tok) {
 
 // Reads the tokens of a formula text one by one, the closing Slutt token included.
 template <class Hver>
-void skann(std::string_view f, Hver&& hver) {
+void skann(std::string_view f, Hver&& hver)
+{
     size_t i = 0;
     while (i < f.size() && erBlank(f[i])) ++i;
     if (i < f.size() && f[i] == '=') ++i;
     bool blank = false;
     while (true) {
-        while (i < f.size() && erBlank(f[i])) { ++i; blank = true; }
+        while (i < f.size() && erBlank(f[i])) {
+            ++i;
+            blank = true;
+        }
         Token tok;
         tok.blankForan = blank;
         blank = false;
-        if (i >= f.size()) { hver(tok); return; }
+        if (i >= f.size()) {
+            hver(tok);
+            return;
+        }
         size_t start = i;
         char c = f[i];
         if (erSiffer(c) || (c == '.' && i + 1 < f.size() && erSiffer(f[i + 1]))) {
@@ -85,7 +93,10 @@ void skann(std::string_view f, Hver&& hver) {
             ++i;
             while (i < f.size()) {
                 if (f[i] == '"') {
-                    if (i + 1 < f.size() && f[i + 1] == '"') { i += 2; continue; }
+                    if (i + 1 < f.size() && f[i + 1] == '"') {
+                        i += 2;
+                        continue;
+                    }
                     break;
                 }
                 ++i;
@@ -112,8 +123,16 @@ void skann(std::string_view f, Hver&& hver) {
         } else {
             ++i;
             switch (c) {
-            case '+': case '-': case '*': case '/': case '^': case '&': case '=': case '<': case '>': case '%':
-                tok.art = Token::Op; break;
+            case '+':
+            case '-':
+            case '*':
+            case '/':
+            case '^':
+            case '&':
+            case '=':
+            case '<':
+            case '>':
+            case '%': tok.art = Token::Op; break;
             case '(': tok.art = Token::VParentes; break;
             case ')': tok.art = Token::HParentes; break;
             case ',': tok.art = Token::Komma; break;
@@ -126,31 +145,35 @@ void skann(std::string_view f, Hver&& hver) {
     }
 }
 
-std::vector<Token> lesTokens(std::string_view f) {
+std::vector<Token> lesTokens(std::string_view f)
+{
     std::vector<Token> ut;
     skann(f, [&](const Token& t) { ut.push_back(t); });
     return ut;
 }
 
-bool erOperand(const Token& t) {
+bool erOperand(const Token& t)
+{
     return t.art == Token::Tall || t.art == Token::Streng || t.art == Token::Ref || t.art == Token::HParentes ||
            t.art == Token::Navn || t.art == Token::Arknavn;
 }
 
 // Writes the tokens back, references moved by (drad, dkol).
-std::string skrivTokens(const std::vector<Token>& tokens, int drad, int dkol) {
+std::string skrivTokens(const std::vector<Token>& tokens, int drad, int dkol)
+{
     std::string ut;
     const Token* forrige = nullptr;
     for (size_t n = 0; n < tokens.size() && tokens[n].art != Token::Slutt; ++n) {
         const Token& t = tokens[n];
-        if (t.blankForan && forrige && erOperand(*forrige) && erOperand(t) &&
-            forrige->art != Token::HParentes)
+        if (t.blankForan && forrige && erOperand(*forrige) && erOperand(t) && forrige->art != Token::HParentes)
             ut += ' ';
         if (t.art == Token::Ref) {
             int rad = t.fastRad ? t.rad : t.rad + drad;
             int kol = t.fastKol ? t.kol : t.kol + dkol;
-            if (rad < 1 || rad > maksRad || kol < 1 || kol > maksKolonne) ut += "#REF!";
-            else leggTilAdresse(ut, rad, kol, t.fastRad, t.fastKol);
+            if (rad < 1 || rad > maksRad || kol < 1 || kol > maksKolonne)
+                ut += "#REF!";
+            else
+                leggTilAdresse(ut, rad, kol, t.fastRad, t.fastKol);
         } else if (t.art == Token::Navn) {
             for (char c : t.tekst) ut += (c >= 'a' && c <= 'z') ? char(c - 32) : c;
         } else {
@@ -165,11 +188,20 @@ std::string skrivTokens(const std::vector<Token>& tokens, int drad, int dkol) {
 
 enum class Funk { Sum, Abs, Min, Maks, Hvis, Snitt, Mid, Verdi, Dato, Tid, Na, Ukjent };
 
-Funk finnFunksjon(std::string_view navn) {
+Funk finnFunksjon(std::string_view navn)
+{
     static const std::array<std::pair<const char*, Funk>, 11> tabell{{
-        {"SUM", Funk::Sum}, {"ABS", Funk::Abs}, {"MIN", Funk::Min}, {"MAX", Funk::Maks}, {"IF", Funk::Hvis},
-        {"AVERAGE", Funk::Snitt}, {"MID", Funk::Mid}, {"VALUE", Funk::Verdi}, {"DATE", Funk::Dato},
-        {"TIME", Funk::Tid}, {"NA", Funk::Na},
+        {"SUM", Funk::Sum},
+        {"ABS", Funk::Abs},
+        {"MIN", Funk::Min},
+        {"MAX", Funk::Maks},
+        {"IF", Funk::Hvis},
+        {"AVERAGE", Funk::Snitt},
+        {"MID", Funk::Mid},
+        {"VALUE", Funk::Verdi},
+        {"DATE", Funk::Dato},
+        {"TIME", Funk::Tid},
+        {"NA", Funk::Na},
     }};
     for (auto& [n, f] : tabell) {
         std::string_view s(n);
@@ -185,7 +217,7 @@ struct Node {
     enum Art { Tall, Tekst, Logisk, Ref, Omrade, Neg, Prosent, Bin, Kall, Feil };
     Art art = Feil;
     double tall = 0;
-    std::string tekst; // text constant, operator, or error code
+    std::string tekst;  // text constant, operator, or error code
     // Corners of a reference; a part without "$" is stored relative to the formula's cell.
     int r1 = 0, k1 = 0, r2 = 0, k2 = 0;
     bool fr1 = true, fk1 = true, fr2 = true, fk2 = true;
@@ -194,7 +226,7 @@ struct Node {
     std::vector<int> args;
 };
 
-} // namespace
+}  // namespace
 
 struct Uttrykk {
     std::vector<Node> noder;
@@ -207,7 +239,8 @@ class Tolker {
 public:
     Tolker(std::vector<Token> t, Uttrykk& u, int rad, int kol) : tok_(std::move(t)), u_(u), rad_(rad), kol_(kol) {}
 
-    int helhet() {
+    int helhet()
+    {
         int n = sammenligning();
         if (!ok_ || tok_[pos_].art != Token::Slutt) return feilNode();
         return n;
@@ -216,18 +249,21 @@ public:
 private:
     const Token& se() const { return tok_[pos_]; }
     bool erOp(const char* op) const { return se().art == Token::Op && se().tekst == op; }
-    int ny(Node n) {
+    int ny(Node n)
+    {
         u_.noder.push_back(std::move(n));
         return static_cast<int>(u_.noder.size()) - 1;
     }
-    int feilNode() {
+    int feilNode()
+    {
         ok_ = false;
         Node n;
         n.art = Node::Feil;
         n.tekst = "#NAME?";
         return ny(std::move(n));
     }
-    int binaer(std::string op, int a, int b) {
+    int binaer(std::string op, int a, int b)
+    {
         Node n;
         n.art = Node::Bin;
         n.tekst = std::move(op);
@@ -237,7 +273,8 @@ private:
     }
 
     // One level of left-associative binary operators: operands from the next level down.
-    int niva(int (Tolker::*neste)(), std::initializer_list<std::string_view> operatorer) {
+    int niva(int (Tolker::*neste)(), std::initializer_list<std::string_view> operatorer)
+    {
         int a = (this->*neste)();
         while (ok_ && se().art == Token::Op &&
                std::find(operatorer.begin(), operatorer.end(), se().tekst) != operatorer.end()) {
@@ -251,7 +288,8 @@ private:
     int sum() { return niva(&Tolker::produkt, {"+", "-"}); }
     int produkt() { return niva(&Tolker::potens, {"*", "/"}); }
     int potens() { return niva(&Tolker::fortegn, {"^"}); }
-    int fortegn() {
+    int fortegn()
+    {
         if (erOp("-") || erOp("+")) {
             bool minus = se().tekst == "-";
             ++pos_;
@@ -272,7 +310,8 @@ private:
         }
         return a;
     }
-    int primaer() {
+    int primaer()
+    {
         if (!ok_) return feilNode();
         const Token t = tok_[pos_++];
         Node n;
@@ -317,23 +356,23 @@ private:
             ++pos_;
             return a;
         }
-        case Token::Arknavn:
-            return usikker();
-        default:
-            return feilNode();
+        case Token::Arknavn: return usikker();
+        default: return feilNode();
         }
     }
     // Names and sheet references that this evaluator does not resolve: a spreadsheet
     // application may know them, so the result is an uncertain error.
-    int usikker() {
+    int usikker()
+    {
         while (se().art != Token::Slutt) ++pos_;
         Node n;
         n.art = Node::Feil;
         n.tekst = "#NAME?";
         return ny(std::move(n));
     }
-    int kall(const Token& navn) {
-        ++pos_; // (
+    int kall(const Token& navn)
+    {
+        ++pos_;  // (
         Node n;
         n.art = Node::Kall;
         n.funk = finnFunksjon(navn.tekst);
@@ -341,7 +380,10 @@ private:
             while (true) {
                 n.args.push_back(sammenligning());
                 if (!ok_) return feilNode();
-                if (se().art == Token::Komma) { ++pos_; continue; }
+                if (se().art == Token::Komma) {
+                    ++pos_;
+                    continue;
+                }
                 break;
             }
         }
@@ -350,7 +392,8 @@ private:
         return ny(std::move(n));
     }
 
-    void hjorne(const Token& t, int& r, int& k, bool& fr, bool& fk) const {
+    void hjorne(const Token& t, int& r, int& k, bool& fr, bool& fk) const
+    {
         fr = t.fastRad;
         fk = t.fastKol;
         r = fr ? t.rad : t.rad - rad_;
@@ -368,7 +411,8 @@ private:
 
 const char* const verdiFeil = "#VALUE!";
 
-bool tilTall(const Resultat& r, double& x, Resultat& feil) {
+bool tilTall(const Resultat& r, double& x, Resultat& feil)
+{
     switch (r.art) {
     case Resultat::Tom: x = 0; return true;
     case Resultat::Tall:
@@ -388,7 +432,8 @@ bool tilTall(const Resultat& r, double& x, Resultat& feil) {
     return false;
 }
 
-std::string tilTekst(const Resultat& r) {
+std::string tilTekst(const Resultat& r)
+{
     switch (r.art) {
     case Resultat::Tall: {
         std::string s;
@@ -401,12 +446,14 @@ std::string tilTekst(const Resultat& r) {
     }
 }
 
-Resultat tallResultat(double x) {
+Resultat tallResultat(double x)
+{
     if (!std::isfinite(x)) return Resultat::feil("#NUM!");
     return Resultat::nummer(x);
 }
 
-int sammenlign(const Resultat& a0, const Resultat& b0) {
+int sammenlign(const Resultat& a0, const Resultat& b0)
+{
     auto rang = [](Resultat::Art art) { return art == Resultat::Tall ? 0 : art == Resultat::Tekst ? 1 : 2; };
     Resultat a = a0, b = b0;
     auto fyllTom = [](Resultat& tom, const Resultat& annen) {
@@ -423,7 +470,8 @@ int sammenlign(const Resultat& a0, const Resultat& b0) {
 }
 
 // Days from 30.12.1899 to a calendar date (months and days may run over).
-double dagnummer(double aar, double mnd, double dag) {
+double dagnummer(double aar, double mnd, double dag)
+{
     long long y = static_cast<long long>(std::floor(aar));
     if (y < 1900) y += 1900;
     long long m = static_cast<long long>(std::floor(mnd)) - 1;
@@ -443,7 +491,8 @@ class Beregner {
 public:
     Beregner(const Uttrykk& u, Kilde& k, int rad, int kol) : u_(u), k_(k), rad_(rad), kol_(kol) {}
 
-    Resultat verdi(int i) {
+    Resultat verdi(int i)
+    {
         const Node& n = u_.noder[i];
         switch (n.art) {
         case Node::Tall: return Resultat::nummer(n.tall);
@@ -471,7 +520,8 @@ public:
 
 private:
     // The rectangle of a reference node seen from the formula's cell; false outside the sheet.
-    bool omrade(const Node& n, int& r1, int& k1, int& r2, int& k2) const {
+    bool omrade(const Node& n, int& r1, int& k1, int& r2, int& k2) const
+    {
         int ra = n.fr1 ? n.r1 : n.r1 + rad_, ka = n.fk1 ? n.k1 : n.k1 + kol_;
         int rb = ra, kb = ka;
         if (n.art == Node::Omrade) {
@@ -485,7 +535,8 @@ private:
         return r1 >= 1 && k1 >= 1 && r2 <= maksRad && k2 <= maksKolonne;
     }
 
-    Resultat binaer(const Node& n) {
+    Resultat binaer(const Node& n)
+    {
         Resultat a = verdi(n.a);
         if (a.art == Resultat::Feil) return a;
         Resultat b = verdi(n.b);
@@ -494,8 +545,12 @@ private:
         if (op == "&") return Resultat::streng(tilTekst(a) + tilTekst(b));
         if (op == "=" || op == "<>" || op == "<" || op == ">" || op == "<=" || op == ">=") {
             int s = sammenlign(a, b);
-            bool sann = op == "=" ? s == 0 : op == "<>" ? s != 0 : op == "<" ? s < 0 : op == ">" ? s > 0
-                      : op == "<=" ? s <= 0 : s >= 0;
+            bool sann = op == "="    ? s == 0
+                        : op == "<>" ? s != 0
+                        : op == "<"  ? s < 0
+                        : op == ">"  ? s > 0
+                        : op == "<=" ? s <= 0
+                                     : s >= 0;
             return {Resultat::Logisk, sann ? 1.0 : 0.0, {}, false};
         }
         Resultat f;
@@ -512,7 +567,8 @@ private:
 
     // Feeds the numbers of the arguments: references and ranges give their numbers only,
     // direct values are turned into numbers. Stops at the first error.
-    bool tall(const Node& n, const std::function<void(double)>& hver, Resultat& feil) {
+    bool tall(const Node& n, const std::function<void(double)>& hver, Resultat& feil)
+    {
         bool ok = true;
         for (int i : n.args) {
             const Node& a = u_.noder[i];
@@ -524,8 +580,11 @@ private:
                 }
                 k_.omrade(r1, k1, r2, k2, [&](const Resultat& r) {
                     if (!ok) return;
-                    if (r.art == Resultat::Feil) { feil = r; ok = false; }
-                    else if (r.art == Resultat::Tall) hver(r.tall);
+                    if (r.art == Resultat::Feil) {
+                        feil = r;
+                        ok = false;
+                    } else if (r.art == Resultat::Tall)
+                        hver(r.tall);
                 });
             } else {
                 double x;
@@ -537,7 +596,8 @@ private:
         return true;
     }
 
-    Resultat kall(const Node& n) {
+    Resultat kall(const Node& n)
+    {
         Resultat f;
         const size_t antall = n.args.size();
         auto arg = [&](size_t i, double& x) { return tilTall(verdi(n.args[i]), x, f); };
@@ -546,7 +606,14 @@ private:
         case Funk::Snitt: {
             double s = 0;
             long teller = 0;
-            if (!tall(n, [&](double x) { s += x; ++teller; }, f)) return f;
+            if (!tall(
+                    n,
+                    [&](double x) {
+                        s += x;
+                        ++teller;
+                    },
+                    f))
+                return f;
             if (n.funk == Funk::Sum) return tallResultat(s);
             return teller == 0 ? Resultat::feil("#DIV/0!") : tallResultat(s / teller);
         }
@@ -555,10 +622,13 @@ private:
             bool noen = false;
             double m = 0;
             bool minst = n.funk == Funk::Min;
-            if (!tall(n, [&](double x) {
-                    if (!noen || (minst ? x < m : x > m)) m = x;
-                    noen = true;
-                }, f))
+            if (!tall(
+                    n,
+                    [&](double x) {
+                        if (!noen || (minst ? x < m : x > m)) m = x;
+                        noen = true;
+                    },
+                    f))
                 return f;
             return Resultat::nummer(m);
         }
@@ -616,8 +686,7 @@ private:
         case Funk::Na:
             if (antall != 0) break;
             return Resultat::feil("#N/A");
-        case Funk::Ukjent:
-            return Resultat::feil("#NAME?", true);
+        case Funk::Ukjent: return Resultat::feil("#NAME?", true);
         }
         return Resultat::feil(verdiFeil);
     }
@@ -627,26 +696,29 @@ private:
     int rad_, kol_;
 };
 
-} // namespace
+}  // namespace
 
 namespace {
 // Parses a formula text standing in cell (rad, kolonne).
-std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad, int kolonne) {
+std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad, int kolonne)
+{
     auto u = std::make_shared<Uttrykk>();
     Tolker t(lesTokens(formel), *u, rad, kolonne);
     u->rot = t.helhet();
     return u;
 }
-} // namespace
+}  // namespace
 
-Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne) {
+Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne)
+{
     Beregner b(uttrykk, kilde, rad, kolonne);
     return b.verdi(uttrykk.rot);
 }
 
 constexpr size_t MaksICelle = 200000;
 
-std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad, int kolonne) {
+std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad, int kolonne)
+{
     std::string& nokkel = nokkel_;
     auto tall = [&](int x, bool fast) {
         leggTilHeltall(nokkel, x);
@@ -679,11 +751,10 @@ std::shared_ptr<const Uttrykk> Tolkelager::hent(std::string_view formel, int rad
 
 std::string normaliser(std::string_view formel) { return skrivTokens(lesTokens(formel), 0, 0); }
 
-std::string flytt(std::string_view formel, int drad, int dkol) {
-    return skrivTokens(lesTokens(formel), drad, dkol);
-}
+std::string flytt(std::string_view formel, int drad, int dkol) { return skrivTokens(lesTokens(formel), drad, dkol); }
 
-bool lesAdresse(std::string_view tekst, int& rad, int& kolonne) {
+bool lesAdresse(std::string_view tekst, int& rad, int& kolonne)
+{
     Token t;
     while (!tekst.empty() && erBlank(tekst.front())) tekst.remove_prefix(1);
     while (!tekst.empty() && erBlank(tekst.back())) tekst.remove_suffix(1);
@@ -693,9 +764,10 @@ bool lesAdresse(std::string_view tekst, int& rad, int& kolonne) {
     return true;
 }
 
-void leggTilAdresse(std::string& ut, int rad, int kolonne, bool fastRad, bool fastKolonne) {
+void leggTilAdresse(std::string& ut, int rad, int kolonne, bool fastRad, bool fastKolonne)
+{
     if (fastKolonne) ut += '$';
-    char buf[8]; // the letters of any positive int
+    char buf[8];  // the letters of any positive int
     int n = 0;
     while (kolonne > 0) {
         buf[n++] = static_cast<char>('A' + (kolonne - 1) % 26);
@@ -706,16 +778,18 @@ void leggTilAdresse(std::string& ut, int rad, int kolonne, bool fastRad, bool fa
     leggTilHeltall(ut, rad);
 }
 
-void leggTilHeltall(std::string& ut, long x) {
+void leggTilHeltall(std::string& ut, long x)
+{
     char buf[24];
     auto r = std::to_chars(buf, buf + sizeof buf, x);
     ut.append(buf, r.ptr);
 }
 
-void leggTilTall(std::string& ut, double x) {
+void leggTilTall(std::string& ut, double x)
+{
     char buf[32];
     auto r = std::to_chars(buf, buf + sizeof buf, x);
     ut.append(buf, r.ptr);
 }
 
-} // namespace xlsx::formel
+}  // namespace xlsx::formel

@@ -14,8 +14,8 @@ namespace xlsx::formel {
 struct Resultat {
     enum Art : unsigned char { Tom, Tall, Tekst, Logisk, Feil };
     Art art = Tom;
-    double tall = 0;   // number, or 1/0 for a logical value
-    std::string tekst; // text, or the error code
+    double tall = 0;    // number, or 1/0 for a logical value
+    std::string tekst;  // text, or the error code
     // An error that a spreadsheet application may judge otherwise (unknown function,
     // reference to another sheet, circular reference): never stored as a cached value.
     bool usikker = false;
@@ -32,11 +32,10 @@ public:
     // A cell's value; a formula cell gives its computed value.
     virtual Resultat celle(int rad, int kolonne) = 0;
     // Every non-empty cell inside the rectangle, in row and column order.
-    virtual void omrade(int rad1, int kol1, int rad2, int kol2,
-                        const std::function<void(const Resultat&)>& hver) = 0;
+    virtual void omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver) = 0;
 };
 
-struct Uttrykk; // the parsed form of one formula
+struct Uttrykk;  // the parsed form of one formula
 
 // The value of a parsed formula in cell (rad, kolonne).
 Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne);
@@ -75,4 +74,4 @@ void leggTilHeltall(std::string& ut, long x);
 // Appends the shortest text that reads back as the same double ("0.1", "1e-10", "230.5").
 void leggTilTall(std::string& ut, double x);
 
-} // namespace xlsx::formel
+}  // namespace xlsx::formel

@@ -20,33 +20,39 @@ const char* const innholdstyper = "[Content_Types].xml";
 const char* const typeMakro = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
 const char* const typeVanlig = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
 
-std::string mappeAv(const std::string& del) {
+std::string mappeAv(const std::string& del)
+{
     size_t p = del.rfind('/');
     return p == std::string::npos ? std::string() : del.substr(0, p + 1);
 }
 
 // The relationships part that belongs to a part: xl/workbook.xml -> xl/_rels/workbook.xml.rels.
-std::string relsAv(const std::string& del) {
+std::string relsAv(const std::string& del)
+{
     return mappeAv(del) + "_rels/" + del.substr(mappeAv(del).size()) + ".rels";
 }
 
 // A relationship target seen from the part that owns it, as a zip entry name.
-std::string maal(const std::string& del, const std::string& target) {
+std::string maal(const std::string& del, const std::string& target)
+{
     std::string sti = !target.empty() && target[0] == '/' ? target.substr(1) : mappeAv(del) + target;
     std::vector<std::string> deler;
     std::stringstream ss(sti);
     for (std::string bit; std::getline(ss, bit, '/');) {
-        if (bit == "..") { if (!deler.empty()) deler.pop_back(); }
-        else if (!bit.empty() && bit != ".") deler.push_back(bit);
+        if (bit == "..") {
+            if (!deler.empty()) deler.pop_back();
+        } else if (!bit.empty() && bit != ".")
+            deler.push_back(bit);
     }
     std::string ut;
     for (auto& d : deler) ut += (ut.empty() ? "" : "/") + d;
     return ut;
 }
 
-} // namespace
+}  // namespace
 
-Pakke::Pakke(const QString& sti) {
+Pakke::Pakke(const QString& sti)
+{
     QFile f(sti);
     if (!f.open(QIODevice::ReadOnly)) throw XlsxFeil("Finner ikke arbeidsboka " + sti.toStdString());
     QByteArray innhold = f.readAll();
@@ -63,13 +69,15 @@ Pakke::Pakke(const QString& sti) {
     zip_error_fini(&feil);
 }
 
-Pakke::~Pakke() {
+Pakke::~Pakke()
+{
     if (zip_) zip_discard(zip_);
 }
 
 bool Pakke::finnes(const std::string& del) const { return zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE) >= 0; }
 
-std::string Pakke::lesDel(const std::string& del) const {
+std::string Pakke::lesDel(const std::string& del) const
+{
     zip_int64_t i = zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE);
     zip_stat_t st;
     if (i < 0 || zip_stat_index(zip_, static_cast<zip_uint64_t>(i), 0, &st) != 0)
@@ -83,11 +91,13 @@ std::string Pakke::lesDel(const std::string& del) const {
     return ut;
 }
 
-void Pakke::lesXml(const std::string& del, pugi::xml_document& d) const {
+void Pakke::lesXml(const std::string& del, pugi::xml_document& d) const
+{
     xlsx::lesXml(d, lesDel(del), medDeklarasjon, "Ødelagt del i arbeidsboka: " + del, false);
 }
 
-std::vector<Relasjon> Pakke::relasjoner(const std::string& del) const {
+std::vector<Relasjon> Pakke::relasjoner(const std::string& del) const
+{
     std::vector<Relasjon> ut;
     std::string rels = relsAv(del);
     if (!finnes(rels)) return ut;
@@ -102,7 +112,8 @@ std::vector<Relasjon> Pakke::relasjoner(const std::string& del) const {
     return ut;
 }
 
-void Pakke::fjernRelasjoner(const std::string& del, std::string_view type, Endringer& endringer) const {
+void Pakke::fjernRelasjoner(const std::string& del, std::string_view type, Endringer& endringer) const
+{
     std::string rels = relsAv(del);
     pugi::xml_document d;
     lesXml(rels, d);
@@ -114,7 +125,8 @@ void Pakke::fjernRelasjoner(const std::string& del, std::string_view type, Endri
     endringer.nye[rels] = skrivXml(d);
 }
 
-void Pakke::settInnholdstyper(const std::string& hoveddel, bool makro, Endringer& endringer) const {
+void Pakke::settInnholdstyper(const std::string& hoveddel, bool makro, Endringer& endringer) const
+{
     pugi::xml_document typer;
     lesXml(innholdstyper, typer);
     bool endret = false;
@@ -135,7 +147,8 @@ void Pakke::settInnholdstyper(const std::string& hoveddel, bool makro, Endringer
     if (endret) endringer.nye[innholdstyper] = skrivXml(typer);
 }
 
-void Pakke::skriv(const std::string& sti, const Endringer& endringer) const {
+void Pakke::skriv(const std::string& sti, const Endringer& endringer) const
+{
     static std::atomic<int> teller{0};
     // A write-protected file is not replaced, as the spreadsheet application would not either.
     using std::filesystem::perms;
@@ -161,7 +174,7 @@ void Pakke::skriv(const std::string& sti, const Endringer& endringer) const {
         if (endringer.borte.count(navn)) continue;
         zip_source_t* kilde;
         zip_int32_t metode = ZIP_CM_DEFLATE;
-        zip_uint32_t niva = 1; // fast deflate for the parts written anew
+        zip_uint32_t niva = 1;  // fast deflate for the parts written anew
         auto ny = endringer.nye.find(navn);
         if (ny != endringer.nye.end()) {
             kilde = zip_source_buffer(ut, ny->second.data(), ny->second.size(), 0);
@@ -190,4 +203,4 @@ void Pakke::skriv(const std::string& sti, const Endringer& endringer) const {
     }
 }
 
-} // namespace xlsx
+}  // namespace xlsx

@@ -63,4 +63,4 @@ private:
     ::zip* zip_ = nullptr;
 };
 
-} // namespace xlsx
+}  // namespace xlsx

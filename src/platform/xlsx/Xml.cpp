@@ -10,7 +10,8 @@ namespace xlsx {
 namespace {
 
 // Text of an element or attribute value, escaped for XML.
-void escape(std::string& ut, std::string_view s, bool attributt) {
+void escape(std::string& ut, std::string_view s, bool attributt)
+{
     size_t fra = 0;
     for (size_t i = 0; i < s.size(); ++i) {
         const char* erstatt = nullptr;
@@ -20,9 +21,11 @@ void escape(std::string& ut, std::string_view s, bool attributt) {
         case '<': erstatt = "&lt;"; break;
         case '>': erstatt = "&gt;"; break;
         case '"': erstatt = attributt ? "&quot;" : nullptr; break;
-        case '\t': case '\n': case '\r': break;
+        case '\t':
+        case '\n':
+        case '\r': break;
         default:
-            if (c < 0x20) erstatt = ""; // not allowed in XML 1.0
+            if (c < 0x20) erstatt = "";  // not allowed in XML 1.0
         }
         if (!erstatt) continue;
         ut.append(s.data() + fra, i - fra);
@@ -32,39 +35,44 @@ void escape(std::string& ut, std::string_view s, bool attributt) {
     ut.append(s.data() + fra, s.size() - fra);
 }
 
-} // namespace
+}  // namespace
 
 void leggTilTekst(std::string& ut, std::string_view s) { escape(ut, s, false); }
 
 void leggTilAttributt(std::string& ut, std::string_view s) { escape(ut, s, true); }
 
-std::string_view lokaltNavn(const char* navn) {
+std::string_view lokaltNavn(const char* navn)
+{
     const char* kolon = std::strrchr(navn, ':');
     return kolon ? kolon + 1 : navn;
 }
 
-pugi::xml_node barn(pugi::xml_node n, std::string_view navn) {
+pugi::xml_node barn(pugi::xml_node n, std::string_view navn)
+{
     for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
         if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
     return {};
 }
 
-std::string rentTekst(pugi::xml_node n) {
+std::string rentTekst(pugi::xml_node n)
+{
     std::string s;
     for (auto x : n.select_nodes(".//*[local-name()='t' and not(ancestor::*[local-name()='rPh'])]"))
         s += x.node().child_value();
     return s;
 }
 
-void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn) {
+void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn)
+{
     auto res = d.load_buffer(xml.data(), xml.size(), valg);
     if (!res) throw XlsxFeil(medGrunn ? feil + " (" + res.description() + ")" : feil);
 }
 
-std::string skrivXml(const pugi::xml_document& d) {
+std::string skrivXml(const pugi::xml_document& d)
+{
     std::ostringstream ut;
     d.save(ut, "", pugi::format_raw);
     return ut.str();
 }
 
-} // namespace xlsx
+}  // namespace xlsx

@@ -31,4 +31,4 @@ void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const st
 // The document as the parts are written: raw, without indentation or added line breaks.
 std::string skrivXml(const pugi::xml_document& d);
 
-} // namespace xlsx
+}  // namespace xlsx

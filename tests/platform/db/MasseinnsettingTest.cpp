@@ -1,6 +1,6 @@
 // Rows in bulk through db::Masseinnsetting, read back through the store's own select.
-#include "felles/Felles.h"
 #include "platform/db/Masseinnsetting.h"
+#include "felles/Felles.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>
@@ -56,7 +56,8 @@ TEST(Masseinnsetting, AvvistSetningBeholderRadeneFoer)
 {
     test::Programmappe mappe;
     db::Database d(mappe.sti(u"Data.mdb"_s));
-    d.utforSqlite("CREATE TABLE Liten (ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT, C REAL CHECK (C < 60))");
+    d.utforSqlite(
+        "CREATE TABLE Liten (ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT, C REAL CHECK (C < 60))");
     db::Masseinnsetting inn(d, "INSERT INTO Liten (DatoTid, C)", 1, 1);
     std::vector<double> c(70);
     std::vector<Rad> rader;
@@ -68,7 +69,8 @@ TEST(Masseinnsetting, AvvistSetningBeholderRadeneFoer)
         inn.settInn(rader);
         ADD_FAILURE() << "row 60 breaks the check";
     } catch (const db::DbFeil& e) {
-        EXPECT_TRUE(QString::fromStdString(e.what()).startsWith(u"Databasen "_s + mappe.sti(u"Data.mdb"_s) + u" avviste raden: "_s))
+        EXPECT_TRUE(QString::fromStdString(e.what()).startsWith(u"Databasen "_s + mappe.sti(u"Data.mdb"_s) +
+                                                                u" avviste raden: "_s))
             << e.what();
     }
     EXPECT_EQ(inn.lagret(), db::Masseinnsetting::Bunt);
@@ -77,4 +79,4 @@ TEST(Masseinnsetting, AvvistSetningBeholderRadeneFoer)
     EXPECT_THROW(db::Masseinnsetting(d, "INSERT INTO Liten (C)", 0, db::Masseinnsetting::MaksKolonner + 1), db::DbFeil);
 }
 
-} // namespace
+}  // namespace

@@ -9,21 +9,29 @@ using Art = Sporsmal::Art;
 TEST(Sporsmal, KjennerIgjenTekstMedVerdierFyltInn)
 {
     const Sporsmal import{Art::JaNei, QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
-    const struct { Art art; QString tekst, tittel; bool stilles; } tilfeller[] = {
-        {Art::JaNei, QStringLiteral("Fila C:\\a (1)+[x].csv består av  54 001 linjer. Vil du starte importen?"), ProgramTittel, true},
+    const struct {
+        Art art;
+        QString tekst, tittel;
+        bool stilles;
+    } tilfeller[] = {
+        {Art::JaNei, QStringLiteral("Fila C:\\a (1)+[x].csv består av  54 001 linjer. Vil du starte importen?"),
+         ProgramTittel, true},
         {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer.\nVil du starte importen?"), ProgramTittel, false},
         {Art::JaNei, QStringLiteral("Fila %1 består av 3 linjer. Vil du starte importen?"), ProgramTittel, true},
-        {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?"), QStringLiteral("Import"), false},
+        {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?"), QStringLiteral("Import"),
+         false},
         {Art::Inndata, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?"), ProgramTittel, false},
         {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen? "), ProgramTittel, false},
     };
-    for (const auto& t : tilfeller) EXPECT_EQ(import.stilles(t.art, t.tekst, t.tittel), t.stilles) << t.tekst.toStdString();
+    for (const auto& t : tilfeller)
+        EXPECT_EQ(import.stilles(t.art, t.tekst, t.tittel), t.stilles) << t.tekst.toStdString();
 }
 
 TEST(SkriptDialogs, SvarGarTilSporsmaletDeGjelder)
 {
     const Sporsmal start{Art::Inndata, QStringLiteral("Start søking etter X minutter"), QStringLiteral("Start søking")};
-    const Sporsmal terskel{Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi:"), QStringLiteral("Minste verdi")};
+    const Sporsmal terskel{Art::Inndata, QStringLiteral("Den minste verdien er %1. Oppgi:"),
+                           QStringLiteral("Minste verdi")};
     const Sporsmal ja{Art::JaNei, QStringLiteral("Det ble funnet %1 sykluser.")};
     SkriptDialogs d;
     Dialogs& boks = d;  // the boxes as a command shows them
@@ -32,9 +40,11 @@ TEST(SkriptDialogs, SvarGarTilSporsmaletDeGjelder)
     d.svar(terskel, SkriptDialogs::Forslag{});
     d.svar(QStringLiteral("neste"));
     d.svar(start, QStringLiteral("50"));
-    EXPECT_EQ(d.inndata(QStringLiteral("Start søking etter X minutter"), QStringLiteral("Start søking"), QStringLiteral("230")),
+    EXPECT_EQ(d.inndata(QStringLiteral("Start søking etter X minutter"), QStringLiteral("Start søking"),
+                        QStringLiteral("230")),
               QStringLiteral("50"));
-    EXPECT_EQ(d.inndata(QStringLiteral("Den minste verdien er 0,5. Oppgi:"), QStringLiteral("Minste verdi"), QStringLiteral("7")),
+    EXPECT_EQ(d.inndata(QStringLiteral("Den minste verdien er 0,5. Oppgi:"), QStringLiteral("Minste verdi"),
+                        QStringLiteral("7")),
               QStringLiteral("7"));
     EXPECT_EQ(d.inndata(QStringLiteral("Noe annet"), QStringLiteral("Tittel"), QString()), QStringLiteral("neste"));
     EXPECT_EQ(boks.melding(QStringLiteral("Det ble funnet 3 sykluser."), Knapper::JaNei, Ikon::Sporsmal), Svar::Nei);
@@ -42,9 +52,11 @@ TEST(SkriptDialogs, SvarGarTilSporsmaletDeGjelder)
 
     // A question nobody answered, or an answer of the wrong kind, fails loudly; an OK box needs none.
     EXPECT_EQ(boks.melding(QStringLiteral("Ferdig")), Svar::Ok);
-    EXPECT_THROW(boks.melding(QStringLiteral("Det ble funnet 3 sykluser."), Knapper::JaNei, Ikon::Sporsmal), UbesvartSporsmal);
+    EXPECT_THROW(boks.melding(QStringLiteral("Det ble funnet 3 sykluser."), Knapper::JaNei, Ikon::Sporsmal),
+                 UbesvartSporsmal);
     d.svar(ja, QStringLiteral("tekst"));
-    EXPECT_THROW(boks.melding(QStringLiteral("Det ble funnet 4 sykluser."), Knapper::JaNei, Ikon::Sporsmal), UbesvartSporsmal);
+    EXPECT_THROW(boks.melding(QStringLiteral("Det ble funnet 4 sykluser."), Knapper::JaNei, Ikon::Sporsmal),
+                 UbesvartSporsmal);
     d.svar(start, Svar::Ja);
     EXPECT_THROW(d.inndata(start.tekst, start.tittel, QString()), UbesvartSporsmal);
     EXPECT_THROW(d.velgFil(QStringLiteral("CSV-filer (*.CSV)|*.CSV")), UbesvartSporsmal);

@@ -97,7 +97,10 @@ TEST(Datoer, TekstOgNokler)
 TEST(Datoer, SifreneSinePlasser)
 {
     // The digits of "YYYY-MM-DD HH:MM:SS" in their places, whatever stands between and after them.
-    const struct { const char* tekst; std::optional<Dato> dato; } tilfeller[] = {
+    const struct {
+        const char* tekst;
+        std::optional<Dato> dato;
+    } tilfeller[] = {
         {"2012-11-23 14:05:31", Dato::fra(2012, 11, 23, 14, 5, 31)},
         {"2012.11.23,14:05:31,1.5", Dato::fra(2012, 11, 23, 14, 5, 31)},
         {"2012/02/29 23:59:59", Dato::fra(2012, 2, 29, 23, 59, 59)},

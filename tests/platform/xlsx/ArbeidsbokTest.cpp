@@ -10,12 +10,16 @@ using V = std::vector<Verdi>;
 namespace {
 
 // The titles of the three charts; the picture before them is no chart object.
-QStringList titler(Arbeidsark& ark) { return {ark.diagram(1).tittel(), ark.diagram(2).tittel(), ark.diagram(3).tittel()}; }
+QStringList titler(Arbeidsark& ark)
+{
+    return {ark.diagram(1).tittel(), ark.diagram(2).tittel(), ark.diagram(3).tittel()};
+}
 
 class HandlagetBok : public ::testing::Test {
 protected:
     void SetUp() override { test::skrivZip(kilde, test::handlagetBok()); }
-    std::map<std::string, test::Oppforing> lagre(Arbeidsbok& bok) {
+    std::map<std::string, test::Oppforing> lagre(Arbeidsbok& bok)
+    {
         bok.lagreSom(ut);
         return test::lesZip(ut);
     }
@@ -24,7 +28,7 @@ protected:
     const QString ut = dir.filePath(QStringLiteral("ut.xlsx"));
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(HandlagetBok, CellerGjennomBokaOgUrorteDelerByteForByte)
 {
@@ -34,18 +38,19 @@ TEST_F(HandlagetBok, CellerGjennomBokaOgUrorteDelerByteForByte)
     EXPECT_EQ((V{a.celle(1, 1), a.celle(3, 1), a.celle(1, 2), a.celle(2, 3), a.celle(4, 3), a.celle(9, 9)}),
               (V{QStringLiteral("Navn"), QStringLiteral("Rik tekst"), 2.5, 30.0, 0.0, {}}));
     a.settCelle(3, 2, 4.0);
-    EXPECT_EQ(a.celle(4, 3), Verdi(8.0)); // recomputed after the change
+    EXPECT_EQ(a.celle(4, 3), Verdi(8.0));  // recomputed after the change
     a.settCelle(5, 1, QStringLiteral(" <CO₂ & \"ø\"> "));
     auto fra = test::lesZip(kilde), til = lagre(*bok);
-    EXPECT_EQ((V{apne(ut)->ark(1).celle(5, 1), apne(ut)->ark(1).celle(4, 3)}), (V{QStringLiteral(" <CO₂ & \"ø\"> "), 8.0}));
+    EXPECT_EQ((V{apne(ut)->ark(1).celle(5, 1), apne(ut)->ark(1).celle(4, 3)}),
+              (V{QStringLiteral(" <CO₂ & \"ø\"> "), 8.0}));
     ASSERT_EQ(til.size(), fra.size());
     for (auto& [navn, o] : fra) {
         SCOPED_TRACE(navn);
         ASSERT_TRUE(til.count(navn));
         EXPECT_EQ(til[navn].nr, o.nr);
         if (navn == "xl/worksheets/sheet1.xml" || navn == "xl/workbook.xml") continue;
-        EXPECT_EQ(til[navn].innhold, o.innhold); // the calculation chain among them
-        EXPECT_EQ(til[navn].metode, o.metode);   // the VBA part stays stored
+        EXPECT_EQ(til[navn].innhold, o.innhold);  // the calculation chain among them
+        EXPECT_EQ(til[navn].metode, o.metode);    // the VBA part stays stored
         EXPECT_EQ(til[navn].komprimert, o.komprimert);
     }
     // Values changed on a sheet with formulas: recalculation on load.
@@ -69,12 +74,14 @@ TEST_F(HandlagetBok, FormlerFaarVerdiOgBeregningskjedenForsvinner)
     EXPECT_FALSE(til.count("xl/calcChain.xml"));
     EXPECT_FALSE(har(til["xl/_rels/workbook.xml.rels"].innhold, "calcChain"));
     EXPECT_FALSE(har(til["[Content_Types].xml"].innhold, "calcChain"));
-    EXPECT_EQ(til["xl/workbook.xml"].innhold,
-              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><workbook xmlns=\"http://schemas.openxmlformats.org/"
-              "spreadsheetml/2006/main\" xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
-              "<bookViews><workbookView xWindow=\"0\" yWindow=\"0\"/></bookViews><sheets><sheet name=\"Data\" sheetId=\"1\" "
-              "r:id=\"rId1\"/><sheet name=\"Grafer\" sheetId=\"2\" r:id=\"rId2\"/></sheets><calcPr fullCalcOnLoad=\"1\"/>"
-              "<extLst><ext uri=\"{x}\"/></extLst></workbook>");
+    EXPECT_EQ(
+        til["xl/workbook.xml"].innhold,
+        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><workbook "
+        "xmlns=\"http://schemas.openxmlformats.org/"
+        "spreadsheetml/2006/main\" xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
+        "<bookViews><workbookView xWindow=\"0\" yWindow=\"0\"/></bookViews><sheets><sheet name=\"Data\" sheetId=\"1\" "
+        "r:id=\"rId1\"/><sheet name=\"Grafer\" sheetId=\"2\" r:id=\"rId2\"/></sheets><calcPr fullCalcOnLoad=\"1\"/>"
+        "<extLst><ext uri=\"{x}\"/></extLst></workbook>");
 }
 
 TEST_F(HandlagetBok, DiagramobjekterITegningensRekkefolge)
@@ -93,22 +100,24 @@ TEST_F(HandlagetBok, DiagramobjekterITegningensRekkefolge)
 
 TEST_F(HandlagetBok, FeilSomXlsxFeil)
 {
-    const QString tekst = dir.filePath(QStringLiteral("tekst.xlsx")), utenBok = dir.filePath(QStringLiteral("tom.xlsx"));
+    const QString tekst = dir.filePath(QStringLiteral("tekst.xlsx")),
+                  utenBok = dir.filePath(QStringLiteral("tom.xlsx"));
     const QString odelagt = dir.filePath(QStringLiteral("odelagt.xlsx"));
     QFile f(tekst);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && f.write("Dato,Tid,CO2\n") > 0);
     test::skrivZip(utenBok, {{"a.txt", "x"}});
-    test::skrivZip(odelagt, {{"_rels/.rels", test::handlagetDel("_rels/.rels")}, {"xl/workbook.xml", "<workbook><sheets>"}});
+    test::skrivZip(odelagt,
+                   {{"_rels/.rels", test::handlagetDel("_rels/.rels")}, {"xl/workbook.xml", "<workbook><sheets>"}});
     for (const QString& sti : {dir.filePath(QStringLiteral("finnes_ikke.xlsx")), tekst, utenBok, odelagt})
         EXPECT_THROW(apne(sti), XlsxFeil) << sti.toStdString();
     auto bok = apne(kilde);
     EXPECT_THROW(bok->ark(3), XlsxFeil);
     EXPECT_THROW(bok->ark(0), XlsxFeil);
     EXPECT_THROW(bok->ark(2).diagram(4), XlsxFeil);
-    EXPECT_THROW(bok->ark(1).diagram(1), XlsxFeil); // a sheet without drawing
+    EXPECT_THROW(bok->ark(1).diagram(1), XlsxFeil);  // a sheet without drawing
     EXPECT_THROW(bok->ark(1).settFormel(QStringLiteral("1A"), QStringLiteral("=1")), XlsxFeil);
     EXPECT_THROW(bok->ark(1).settCelle(0, 1, 1.0), XlsxFeil);
-    EXPECT_THROW(bok->ark(3), vb::Feil); // the run-time error every command already handles
+    EXPECT_THROW(bok->ark(3), vb::Feil);  // the run-time error every command already handles
 }
 
 TEST_F(HandlagetBok, LagringsstedOgFiltype)
@@ -118,12 +127,13 @@ TEST_F(HandlagetBok, LagringsstedOgFiltype)
     bok->ark(1).settCelle(1, 1, QStringLiteral("endret"));
     // A failed save leaves neither a half-written target nor a changed source.
     EXPECT_THROW(bok->lagreSom(dir.filePath(QStringLiteral("mangler/ut.xlsx"))), XlsxFeil);
-    QDir(dir.path()).mkdir(QStringLiteral("opptatt.xlsx")); // a folder in the way of the name
+    QDir(dir.path()).mkdir(QStringLiteral("opptatt.xlsx"));  // a folder in the way of the name
     EXPECT_THROW(bok->lagreSom(dir.filePath(QStringLiteral("opptatt.xlsx"))), XlsxFeil);
-    const QString vernet = dir.filePath(QStringLiteral("vernet.xlsx")); // write-protected, even for root
+    const QString vernet = dir.filePath(QStringLiteral("vernet.xlsx"));  // write-protected, even for root
     ASSERT_TRUE(QFile::copy(kilde, vernet) && QFile::setPermissions(vernet, QFile::ReadOwner | QFile::ReadOther));
     EXPECT_THROW(bok->lagreSom(vernet), XlsxFeil);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{QStringLiteral("mal.xlsx"), QStringLiteral("vernet.xlsx")}));
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files),
+              (QStringList{QStringLiteral("mal.xlsx"), QStringLiteral("vernet.xlsx")}));
     EXPECT_EQ(test::filinnhold(kilde), original);
     EXPECT_EQ(test::filinnhold(vernet), original);
 
@@ -131,8 +141,9 @@ TEST_F(HandlagetBok, LagringsstedOgFiltype)
     const QString xlsm = dir.filePath(QStringLiteral("ut.xlsm"));
     bok->lagreSom(xlsm);
     auto til = test::lesZip(xlsm);
-    EXPECT_TRUE(har(til["[Content_Types].xml"].innhold,
-                    "PartName=\"/xl/workbook.xml\" ContentType=\"application/vnd.ms-excel.sheet.macroEnabled.main+xml\""));
+    EXPECT_TRUE(
+        har(til["[Content_Types].xml"].innhold,
+            "PartName=\"/xl/workbook.xml\" ContentType=\"application/vnd.ms-excel.sheet.macroEnabled.main+xml\""));
     EXPECT_EQ(til["xl/vbaProject.bin"].innhold, test::handlagetBok().back().second);
     bok->ark(1).settCelle(1, 1, QStringLiteral("igjen"));
     bok->lagre();

@@ -7,14 +7,15 @@ using test::har;
 
 namespace {
 
-Diagramdel handlaget(int nr) {
+Diagramdel handlaget(int nr)
+{
     const std::string del = "xl/charts/chart" + std::to_string(nr) + ".xml";
     return Diagramdel(del, test::handlagetDel(del));
 }
 
 const std::string chartNs = "xmlns:c=\"http://schemas.openxmlformats.org/drawingml/2006/chart\"";
 
-} // namespace
+}  // namespace
 
 TEST(Diagram, NyTittelOgMinimumSomXml)
 {
@@ -28,13 +29,16 @@ TEST(Diagram, NyTittelOgMinimumSomXml)
     d.settKategoriMinimum(230.25);
     EXPECT_EQ(d.tittel(), QStringLiteral("CO₂ & N₂\nSyklus 3"));
     const std::string avsnitt = "<a:p><a:pPr><a:defRPr/></a:pPr><a:r><a:rPr lang=\"nb-NO\"/><a:t>";
-    EXPECT_EQ(d.skriv(), "<?xml version=\"1.0\"?><c:chartSpace " + chartNs +
-                             " xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\"><c:chart><c:title><c:tx>"
-                             "<c:rich><a:bodyPr/><a:lstStyle/>" + avsnitt + "CO₂ &amp; N₂</a:t></a:r></a:p>" + avsnitt +
-                             "Syklus 3</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
-                             "<c:autoTitleDeleted val=\"0\"/><c:plotArea>" + akser +
-                             "<c:scaling><c:min val=\"230.25\"/></c:scaling><c:axPos val=\"b\"/></c:catAx></c:plotArea>"
-                             "</c:chart></c:chartSpace>");
+    EXPECT_EQ(d.skriv(),
+              "<?xml version=\"1.0\"?><c:chartSpace " + chartNs +
+                  " xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\"><c:chart><c:title><c:tx>"
+                  "<c:rich><a:bodyPr/><a:lstStyle/>" +
+                  avsnitt + "CO₂ &amp; N₂</a:t></a:r></a:p>" + avsnitt +
+                  "Syklus 3</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
+                  "<c:autoTitleDeleted val=\"0\"/><c:plotArea>" +
+                  akser +
+                  "<c:scaling><c:min val=\"230.25\"/></c:scaling><c:axPos val=\"b\"/></c:catAx></c:plotArea>"
+                  "</c:chart></c:chartSpace>");
 }
 
 TEST(Diagram, TittelRikUtenEllerFraCelle)
@@ -47,14 +51,16 @@ TEST(Diagram, TittelRikUtenEllerFraCelle)
     fraCelle.settTittel(QStringLiteral("Ny"));
     // A rich title keeps the formatting of its first paragraph and run.
     EXPECT_EQ(rik.skriv().rfind("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>", 0), 0u);
-    EXPECT_TRUE(har(rik.skriv(), "<c:chart><c:title><c:tx><c:rich><a:bodyPr rot=\"0\"/><a:lstStyle/><a:p><a:pPr>"
-                                 "<a:defRPr sz=\"1400\" b=\"0\"/></a:pPr><a:r><a:rPr lang=\"nb-NO\" sz=\"1400\" b=\"1\"/>"
-                                 "<a:t>Syklus 3 &amp; 4</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
-                                 "<c:autoTitleDeleted val=\"0\"/><c:plotArea>"));
+    EXPECT_TRUE(har(rik.skriv(),
+                    "<c:chart><c:title><c:tx><c:rich><a:bodyPr rot=\"0\"/><a:lstStyle/><a:p><a:pPr>"
+                    "<a:defRPr sz=\"1400\" b=\"0\"/></a:pPr><a:r><a:rPr lang=\"nb-NO\" sz=\"1400\" b=\"1\"/>"
+                    "<a:t>Syklus 3 &amp; 4</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
+                    "<c:autoTitleDeleted val=\"0\"/><c:plotArea>"));
     // A new title goes first; a title from a cell becomes text, autoTitleDeleted after it.
-    const std::string ny = "<c:title><c:tx><c:rich><a:bodyPr/><a:lstStyle/><a:p><a:pPr><a:defRPr/></a:pPr><a:r>"
-                           "<a:rPr lang=\"nb-NO\"/><a:t>Ny</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
-                           "<c:autoTitleDeleted val=\"0\"/><c:plotArea>";
+    const std::string ny =
+        "<c:title><c:tx><c:rich><a:bodyPr/><a:lstStyle/><a:p><a:pPr><a:defRPr/></a:pPr><a:r>"
+        "<a:rPr lang=\"nb-NO\"/><a:t>Ny</a:t></a:r></a:p></c:rich></c:tx><c:overlay val=\"0\"/></c:title>"
+        "<c:autoTitleDeleted val=\"0\"/><c:plotArea>";
     EXPECT_TRUE(har(uten.skriv(), "<c:chart>" + ny));
     EXPECT_TRUE(har(fraCelle.skriv(), "<c:chart>" + ny));
 }

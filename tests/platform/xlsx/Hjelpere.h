@@ -16,17 +16,22 @@
 #include <vector>
 
 inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
-inline void PrintTo(const QJsonArray& a, std::ostream* os) { *os << QJsonDocument(a).toJson(QJsonDocument::Compact).toStdString(); }
+inline void PrintTo(const QJsonArray& a, std::ostream* os)
+{
+    *os << QJsonDocument(a).toJson(QJsonDocument::Compact).toStdString();
+}
 
 namespace test {
 
-inline QByteArray filinnhold(const QString& sti) {
+inline QByteArray filinnhold(const QString& sti)
+{
     QFile f(sti);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 // Whether the XML text holds this piece; a failure shows the whole text.
-inline ::testing::AssertionResult har(const std::string& xml, const std::string& bit) {
+inline ::testing::AssertionResult har(const std::string& xml, const std::string& bit)
+{
     if (xml.find(bit) != std::string::npos) return ::testing::AssertionSuccess() << bit << " found in " << xml;
     return ::testing::AssertionFailure() << bit << " not in " << xml;
 }
@@ -34,14 +39,17 @@ inline ::testing::AssertionResult har(const std::string& xml, const std::string&
 using Deler = std::vector<std::pair<std::string, std::string>>;
 
 // Writes the entries in this order; .bin parts are stored without compression.
-inline void skrivZip(const QString& sti, const Deler& deler) {
+inline void skrivZip(const QString& sti, const Deler& deler)
+{
     int feil = 0;
     zip_t* z = zip_open(sti.toUtf8().constData(), ZIP_CREATE | ZIP_TRUNCATE, &feil);
     ASSERT_NE(z, nullptr);
     for (auto& [navn, innhold] : deler) {
-        zip_int64_t i = zip_file_add(z, navn.c_str(), zip_source_buffer(z, innhold.data(), innhold.size(), 0), ZIP_FL_ENC_UTF_8);
+        zip_int64_t i =
+            zip_file_add(z, navn.c_str(), zip_source_buffer(z, innhold.data(), innhold.size(), 0), ZIP_FL_ENC_UTF_8);
         ASSERT_GE(i, 0) << navn;
-        zip_set_file_compression(z, static_cast<zip_uint64_t>(i), navn.ends_with(".bin") ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 9);
+        zip_set_file_compression(z, static_cast<zip_uint64_t>(i),
+                                 navn.ends_with(".bin") ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 9);
     }
     ASSERT_EQ(zip_close(z), 0);
 }
@@ -50,10 +58,11 @@ struct Oppforing {
     std::string innhold;
     int metode = 0;
     unsigned long long komprimert = 0;
-    zip_int64_t nr = 0; // position in the package
+    zip_int64_t nr = 0;  // position in the package
 };
 
-inline std::map<std::string, Oppforing> lesZip(const QString& sti) {
+inline std::map<std::string, Oppforing> lesZip(const QString& sti)
+{
     std::map<std::string, Oppforing> ut;
     int feil = 0;
     zip_t* z = zip_open(sti.toUtf8().constData(), ZIP_RDONLY, &feil);
@@ -75,7 +84,8 @@ inline std::map<std::string, Oppforing> lesZip(const QString& sti) {
 }
 
 // A part of the hand-made workbook in handlaget/, as stored there.
-inline std::string handlagetDel(const std::string& navn) {
+inline std::string handlagetDel(const std::string& navn)
+{
     QFile f(QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/handlaget/") + QString::fromStdString(navn));
     EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << navn;
     return f.readAll().toStdString();
@@ -85,13 +95,14 @@ inline std::string handlagetDel(const std::string& navn) {
 // shared strings (one of them rich text), styles, a calculation chain, a shared formula,
 // a VBA part, and on sheet 2 a picture followed by a line chart with a rich title, a
 // scatter chart without a title and a bar chart whose title is a cell reference.
-inline Deler handlagetBok() {
+inline Deler handlagetBok()
+{
     Deler ut;
-    for (const char* navn : {"[Content_Types].xml", "_rels/.rels", "xl/workbook.xml", "xl/_rels/workbook.xml.rels",
-                             "xl/worksheets/sheet1.xml", "xl/worksheets/sheet2.xml", "xl/worksheets/_rels/sheet2.xml.rels",
-                             "xl/drawings/drawing1.xml", "xl/drawings/_rels/drawing1.xml.rels", "xl/charts/chart1.xml",
-                             "xl/charts/chart2.xml", "xl/charts/chart3.xml", "xl/sharedStrings.xml", "xl/styles.xml",
-                             "xl/calcChain.xml"})
+    for (const char* navn :
+         {"[Content_Types].xml", "_rels/.rels", "xl/workbook.xml", "xl/_rels/workbook.xml.rels",
+          "xl/worksheets/sheet1.xml", "xl/worksheets/sheet2.xml", "xl/worksheets/_rels/sheet2.xml.rels",
+          "xl/drawings/drawing1.xml", "xl/drawings/_rels/drawing1.xml.rels", "xl/charts/chart1.xml",
+          "xl/charts/chart2.xml", "xl/charts/chart3.xml", "xl/sharedStrings.xml", "xl/styles.xml", "xl/calcChain.xml"})
         ut.emplace_back(navn, handlagetDel(navn));
     std::string vba(3000, '\0');
     for (size_t i = 0; i < vba.size(); ++i) vba[i] = static_cast<char>((i * 7919) % 251);
@@ -101,11 +112,11 @@ inline Deler handlagetBok() {
 
 // What openpyxl (Debian's Python) reads from sheet 1: the cached values of the listed
 // cells, or their formula texts when formler is set.
-inline QJsonArray openpyxl(const QString& fil, const QStringList& celler, bool formler = false) {
-    const char* skript =
-        "import json, sys, openpyxl\n"
-        "wb = openpyxl.load_workbook(sys.argv[1], data_only=sys.argv[2] == '0')\n"
-        "print(json.dumps([wb.worksheets[0][c].value for c in sys.argv[3:]]))\n";
+inline QJsonArray openpyxl(const QString& fil, const QStringList& celler, bool formler = false)
+{
+    const char* skript = "import json, sys, openpyxl\n"
+                         "wb = openpyxl.load_workbook(sys.argv[1], data_only=sys.argv[2] == '0')\n"
+                         "print(json.dumps([wb.worksheets[0][c].value for c in sys.argv[3:]]))\n";
     QProcess p;
     p.start(QStringLiteral("/usr/bin/python3"),
             QStringList{QStringLiteral("-c"), QLatin1String(skript), fil, QString::number(formler)} + celler);
@@ -114,4 +125,4 @@ inline QJsonArray openpyxl(const QString& fil, const QStringList& celler, bool f
     return QJsonDocument::fromJson(p.readAllStandardOutput()).array();
 }
 
-} // namespace test
+}  // namespace test

@@ -9,14 +9,15 @@ namespace {
 
 QString mal(const char* navn) { return QStringLiteral(TOLVIK_DIST "/") + QLatin1String(navn); }
 
-QString tid(int sekunder) {
+QString tid(int sekunder)
+{
     return QStringLiteral("2012/11/23 ,%1:%2:%3,1.")
         .arg(12 + sekunder / 3600, 2, 10, QLatin1Char('0'))
         .arg(sekunder / 60 % 60, 2, 10, QLatin1Char('0'))
         .arg(sekunder % 60, 2, 10, QLatin1Char('0'));
 }
 
-} // namespace
+}  // namespace
 
 TEST(Maler, SyklusmalenRegnerMinutterOgFlytterAksene)
 {
@@ -44,8 +45,8 @@ TEST(Maler, SyklusmalenRegnerMinutterOgFlytterAksene)
     EXPECT_TRUE(test::har(test::lesZip(ut)["xl/charts/chart2.xml"].innhold, "<c:min val=\"230\"/>"));
     // Minutes from the zero point; a row without time gives #N/A, left out of the charts.
     EXPECT_EQ(openpyxl(ut, {"A1", "B1", "O1", "A2", "B2", "B4", "B5", "C4", "K5", "B6", "L2"}),
-              (QJsonArray{"Time&Date", "Minutter fra datastart", 230.5, tid(0), 230.5, 231.25, 290.5, 1e-10 * 3 + 2 * 1e-12,
-                          1e-10 * 11 + 3 * 1e-12, "#N/A", QJsonValue()}));
+              (QJsonArray{"Time&Date", "Minutter fra datastart", 230.5, tid(0), 230.5, 231.25, 290.5,
+                          1e-10 * 3 + 2 * 1e-12, 1e-10 * 11 + 3 * 1e-12, "#N/A", QJsonValue()}));
     EXPECT_TRUE(openpyxl(ut, {"B3"}, true)[0].toString().startsWith(QStringLiteral("=IF(A3=\"\",NA(),$O$1+")));
 }
 
@@ -76,9 +77,9 @@ TEST(Maler, IntegreringsmalenGirTrapesarealet)
     ASSERT_EQ(v.size(), 6);
     EXPECT_NEAR(v[0].toDouble(), areal, 1e-22);
     EXPECT_DOUBLE_EQ(v[1].toDouble(), 100.5 + 4.5);
-    EXPECT_DOUBLE_EQ(v[2].toDouble(), 1e-10); // |D5-D4|/2
+    EXPECT_DOUBLE_EQ(v[2].toDouble(), 1e-10);  // |D5-D4|/2
     EXPECT_DOUBLE_EQ(v[3].toDouble(), co2[19] - co2[0]);
-    EXPECT_EQ(v[4], QJsonValue()); // emptied row
+    EXPECT_EQ(v[4], QJsonValue());  // emptied row
     EXPECT_EQ(v[5].toDouble(), 100.5);
     // F4..F22 share one formula text in the file; a reader sees each row's own.
     EXPECT_EQ(openpyxl(ut, {"L17", "F4", "F10", "G22"}, true),

@@ -18,7 +18,8 @@ TEST(Xml, TekstOgAttributtverdier)
 TEST(Xml, LesOgSkrivDokument)
 {
     pugi::xml_document d;
-    lesXml(d, "<?xml version=\"1.0\" standalone=\"yes\"?>\n<x:a xmlns:x=\"u\">\n  <x:b/><c/></x:a>", medDeklarasjon, "", false);
+    lesXml(d, "<?xml version=\"1.0\" standalone=\"yes\"?>\n<x:a xmlns:x=\"u\">\n  <x:b/><c/></x:a>", medDeklarasjon, "",
+           false);
     EXPECT_EQ(skrivXml(d), "<?xml version=\"1.0\" standalone=\"yes\"?><x:a xmlns:x=\"u\"><x:b/><c/></x:a>");
     // The layer's error, with the parser's reason when asked for.
     auto feil = [&d](bool grunn) {
