@@ -49,10 +49,9 @@ public:
     // Runs a statement given in SQLite's own text, untranslated (schema, pragmas).
     void utforSqlite(const char* sql);
 
-    // Whether DatoTid never decreases from one ID to the next in this file. The import states it
-    // for the rows it writes (kept in the file's user_version); the dialect then answers "order by
-    // ID" of a time-bounded statement from the time indexes. A file without it is read plainly.
-    bool tidFolgerId() const { return tidFolgerId_; }
+    // States whether DatoTid never decreases from one ID to the next in this file. The import
+    // states it for the rows it writes (kept in the file's user_version); the dialect then answers
+    // "order by ID" of a time-bounded statement from the time indexes. A file without it is read plainly.
     void settTidFolgerId(bool folger);
 
 private:
