@@ -247,6 +247,13 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
         EXPECT_EQ(k.status, 0) << navn;
         EXPECT_EQ(k.ut.count(u"\n\n"_s), 2) << k.ut;
         EXPECT_TRUE(p.les(u"Kolonner.txt"_s).contains("CO2                    [F]"));
+        // Many stretches of the reader: every line counted, every line after the header stored.
+        const auto tall = QRegularExpression(u"består av (.*?) linjer.*importert: (.*?)\n"_s,
+                                             QRegularExpression::DotMatchesEverythingOption)
+                              .match(k.ut);
+        const int linjer = tall.captured(1).remove(' ').toInt();
+        EXPECT_EQ(tall.captured(2).remove(' ').toInt(), linjer) << k.ut;
+        EXPECT_TRUE(kjor({"status"}).ut.startsWith(u"Tolvik - "_s + vb::antallTekst(linjer - 1) + u" poster"_s));
     }
 }
 

@@ -74,6 +74,7 @@ TEST(Formel, Tallverdier)
                                                         {"=IF(A3=\"\",1,0)", 1},
                                                         {"=IF(H1<>G4,1,0)", 1},
                                                         {"=IF(G4>1,5,1/0)", 5},
+                                                        {"=VALUE(MID(H2,1,4))", 2012},
                                                         {"=DATE(2012,13,1)", 41275}};
     for (auto& [formel, svar] : tilfeller) EXPECT_DOUBLE_EQ(c.x(formel), svar) << formel;
     EXPECT_NEAR(c.x("=(DATE(2012,11,24)+TIME(0,0,15)-(DATE(2012,11,23)+TIME(23,59,30)))*1440"), 0.75, 1e-8);
