@@ -62,12 +62,14 @@ TEST_F(Setninger, MinimumOgMaksimumHopperOverTommeFelt)
 
 TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)
 {
+    EXPECT_FALSE(store::harRader(db) || store::forsteRad(db) || store::forsteTid(db));  // an empty table
     rad("23/11/2012 10:00:04", QStringLiteral("1"));
     rad("23/11/2012 10:00:02", QStringLiteral("1"));
     EXPECT_EQ(datoer(store::vinduRader(db, true, kl(0), kl(10))),
               (QStringList{QStringLiteral("20121123100004"), QStringLiteral("20121123100002")}));
     EXPECT_EQ(store::maksTid(db, QStringLiteral("C"), kl(0), kl(10)), kl(4));
     EXPECT_EQ(store::forsteTid(db), kl(4));
+    EXPECT_TRUE(store::harRader(db) && store::forsteRad(db));
 }
 
 TEST_F(Setninger, TidsnokkelBrukerIndeks)
