@@ -9,6 +9,7 @@ using S = std::vector<std::string>;
 
 namespace {
 
+// A relationships part of these types and targets, numbered in order.
 std::string relasjoner(std::initializer_list<std::pair<const char*, const char*>> maal, const char* tillegg = "")
 {
     int nr = 0;
