@@ -3,14 +3,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(Tittel, AntallOgVersjon)
-{
-    EXPECT_EQ(store::tittel(0, QStringLiteral("1.6 (06.01.2013)")),
-              QStringLiteral("Tolvik -    poster i databasen  [Versjon: 1.6 (06.01.2013)]"));
-    EXPECT_EQ(store::tittel(1000, QStringLiteral("x")),
-              QStringLiteral("Tolvik -  1 000 poster i databasen  [Versjon: x]"));
-}
-
 TEST(HentVerdi, BareCTilHMedStorBokstav)
 {
     test::Programmappe mappe;

@@ -10,8 +10,6 @@ TEST(Avrunding, HalvTilPar)
     EXPECT_EQ(rundHalvTilPar(1.5), 2);
     EXPECT_EQ(rundHalvTilPar(2.5), 2);
     EXPECT_EQ(rundHalvTilPar(-2.5), -2);
-    EXPECT_EQ(rundHalvTilPar(230.5), 230);
-    EXPECT_EQ(rundHalvTilPar(231.5), 232);
     EXPECT_EQ(heltall16(QStringLiteral("3,5")), 4);
 }
 
@@ -33,15 +31,10 @@ TEST(Tall, BrukerensTekst)
         EXPECT_THROW(tall(QString::fromLatin1(galt)), Feil) << galt;
 }
 
+// Val of raw-data fields is RadataTest's; here what no raw-data line there holds.
 TEST(Tall, ValAvEtFelt)
 {
-    EXPECT_DOUBLE_EQ(val("1.5"), 1.5);
-    EXPECT_DOUBLE_EQ(val("1.5E-03"), 0.0015);
-    EXPECT_DOUBLE_EQ(val(" 1 2 .5"), 12.5);
-    EXPECT_DOUBLE_EQ(val("-4.2e-10xyz"), -4.2e-10);
     EXPECT_DOUBLE_EQ(val(".5"), 0.5);
-    EXPECT_EQ(val("abc"), 0);
-    EXPECT_EQ(val(""), 0);
     EXPECT_EQ(val("inf"), 0);
     EXPECT_DOUBLE_EQ(val("7E"), 7);
 }
@@ -61,10 +54,8 @@ TEST(Tekster, AntallMonster)
     EXPECT_EQ(antallTekst(0), QStringLiteral("  "));
     EXPECT_EQ(antallTekst(5), QStringLiteral("  5"));
     EXPECT_EQ(antallTekst(1001), QStringLiteral(" 1 001"));
-    EXPECT_EQ(antallTekst(1234), QStringLiteral(" 1 234"));
     EXPECT_EQ(antallTekst(123456), QStringLiteral(" 123 456"));
     EXPECT_EQ(antallTekst(1234567), QStringLiteral("1 234 567"));
-    EXPECT_EQ(antallTekst(12345678), QStringLiteral("12 345 678"));
 }
 
 TEST(Tekster, TallIMeldingOgSetning)
@@ -73,7 +64,6 @@ TEST(Tekster, TallIMeldingOgSetning)
     EXPECT_EQ(tekst(1.234e-10f), QStringLiteral("1,234E-10"));
     EXPECT_EQ(sqlTekst(1.234e-10f), QStringLiteral("1.234E-10"));
     EXPECT_EQ(tekst(0.1f), QStringLiteral("0,1"));
-    EXPECT_EQ(tekst(230.5), QStringLiteral("230,5"));
     EXPECT_EQ(tekst(3.0), QStringLiteral("3"));
 }
 
@@ -83,7 +73,6 @@ TEST(Datoer, TekstOgNokler)
     EXPECT_EQ(d.tidsnokkel(), QStringLiteral("20121123140531"));
     EXPECT_EQ(d.iso(), QStringLiteral("2012-11-23 14:05:31"));
     EXPECT_EQ(d.generellTekst(), QStringLiteral("23.11.2012 14:05:31"));
-    EXPECT_EQ(Dato::fra(2012, 11, 23).generellTekst(), QStringLiteral("23.11.2012"));
     EXPECT_EQ(Dato().generellTekst(), QStringLiteral("00:00:00"));
     EXPECT_EQ(Dato().tidsnokkel(), QStringLiteral("18991230000000"));
     for (const Dato& x : {d, Dato::fra(2012, 11, 23), Dato(), Dato::fra(2000, 2, 29, 23, 59, 59)})
@@ -104,8 +93,6 @@ TEST(Datoer, SifreneSinePlasser)
         {"2012-11-23 14:05:31", Dato::fra(2012, 11, 23, 14, 5, 31)},
         {"2012.11.23,14:05:31,1.5", Dato::fra(2012, 11, 23, 14, 5, 31)},
         {"2012/02/29 23:59:59", Dato::fra(2012, 2, 29, 23, 59, 59)},
-        {"2013-02-29 00:00:00", std::nullopt},
-        {"2012-11-23 24:00:00", std::nullopt},
         {"2012-11-23 14:60:00", std::nullopt},
         {"0099-12-31 00:00:00", std::nullopt},
         {"2012-11-23 14:05:3", std::nullopt},

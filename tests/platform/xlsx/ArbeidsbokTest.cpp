@@ -111,7 +111,6 @@ TEST_F(HandlagetBok, FeilSomXlsxFeil)
     for (const QString& sti : {dir.filePath(QStringLiteral("finnes_ikke.xlsx")), tekst, utenBok, odelagt})
         EXPECT_THROW(apne(sti), XlsxFeil) << sti.toStdString();
     auto bok = apne(kilde);
-    EXPECT_THROW(bok->ark(3), XlsxFeil);
     EXPECT_THROW(bok->ark(0), XlsxFeil);
     EXPECT_THROW(bok->ark(2).diagram(4), XlsxFeil);
     EXPECT_THROW(bok->ark(1).diagram(1), XlsxFeil);  // a sheet without drawing
@@ -126,7 +125,6 @@ TEST_F(HandlagetBok, LagringsstedOgFiltype)
     auto bok = apne(kilde);
     bok->ark(1).settCelle(1, 1, QStringLiteral("endret"));
     // A failed save leaves neither a half-written target nor a changed source.
-    EXPECT_THROW(bok->lagreSom(dir.filePath(QStringLiteral("mangler/ut.xlsx"))), XlsxFeil);
     QDir(dir.path()).mkdir(QStringLiteral("opptatt.xlsx"));  // a folder in the way of the name
     EXPECT_THROW(bok->lagreSom(dir.filePath(QStringLiteral("opptatt.xlsx"))), XlsxFeil);
     const QString vernet = dir.filePath(QStringLiteral("vernet.xlsx"));  // write-protected, even for root

@@ -43,14 +43,8 @@ struct Celler : Kilde {
 Celler ark()
 {
     Celler c;
-    for (auto [adresse, x] : {std::pair{"D40", 5e-10},
-                              {"D41", 3e-10},
-                              {"$G$3", 1.0},
-                              {"G4", 2.0},
-                              {"G57", 4.0},
-                              {"J4", 1.0},
-                              {"J5", 10.0},
-                              {"$B$1", 100.0}})
+    for (auto [adresse, x] :
+         {std::pair{"$G$3", 1.0}, {"G4", 2.0}, {"G57", 4.0}, {"J4", 1.0}, {"J5", 10.0}, {"$B$1", 100.0}})
         c.verdier[Celler::pos(adresse)] = Resultat::nummer(x);
     for (auto [adresse, t] : {std::pair{"G5", "tekst"}, {"H1", "abc"}, {"H2", "2012/11/23 ,23:59:30,1."}})
         c.verdier[Celler::pos(adresse)] = Resultat::streng(t);
@@ -59,40 +53,29 @@ Celler ark()
 
 }  // namespace
 
+// The templates' own formulas are computed in MalerTest; here the rules of the language.
 TEST(Formel, Tallverdier)
 {
     Celler c = ark();
-    const std::pair<const char*, double> tilfeller[] = {
-        {"=1+2*3", 7},
-        {"(1+2)*3", 9},
-        {"2^3^2", 64} /* left to right */,
-        {"-2^2", 4} /* the sign binds first */,
-        {"10-4-3", 3},
-        {"7/2", 3.5},
-        {"1.5E-10*2", 3e-10},
-        {"50%", 0.5},
-        // The program's own formula texts, blanks and lower case as it writes them.
-        {"= abs((D40 -D41)/2)", 1e-10},
-        {"= abs((D41-D40)/2)", 1e-10},
-        {"= abs((D3-D3)/2)", 0},
-        {"= sum(G3:G57)", 7} /* text and empty cells left out */,
-        {"=SUM(G57:G3)", 7} /* corners in any order */,
-        {"=AVERAGE(G3:G57)", 7.0 / 3},
-        {"=MIN(G3:G57,0.5)", 0.5},
-        {"=max($G$3:G4, 3)", 3},
-        {"=A1+1", 1} /* empty is 0 */,
-        {"=IF(G4>1,10,20)", 10},
-        {"=IF(G4<=1,10,20)", 20},
-        {"=IF(H1=\"ABC\",1,0)", 1} /* text compares without case */,
-        {"=IF(A3=\"\",1,0)", 1},
-        {"=IF(A3=0,1,0)", 1} /* an empty cell equals "" and 0 */,
-        {"=IF(H1<>G4,1,0)", 1},
-        {"=IF(G4>1,5,1/0)", 5} /* the branch not taken is not computed */,
-        {"=VALUE(MID(H2,1,4))", 2012},
-        {"=DATE(2012,11,23)", 41236},
-        {"=DATE(2012,13,1)", 41275},
-        {"=TIME(12,0,0)", 0.5},
-    };
+    // Powers left to right, the sign before the power; corners in any order, text and empty cells left out;
+    // text compares without case, an empty cell equals "" and 0; the branch not taken is not computed.
+    const std::pair<const char*, double> tilfeller[] = {{"=1+2*3", 7},
+                                                        {"2^3^2", 64},
+                                                        {"-2^2", 4},
+                                                        {"10-4-3", 3},
+                                                        {"50%", 0.5},
+                                                        {"=SUM(G57:G3)", 7},
+                                                        {"=AVERAGE(G3:G57)", 7.0 / 3},
+                                                        {"=MIN(G3:G57,0.5)", 0.5},
+                                                        {"=max($G$3:G4, 3)", 3},
+                                                        {"=A1+1", 1},
+                                                        {"=IF(H1=\"ABC\",1,0)", 1},
+                                                        {"=IF(A3=0,1,0)", 1},
+                                                        {"=IF(A3=\"\",1,0)", 1},
+                                                        {"=IF(H1<>G4,1,0)", 1},
+                                                        {"=IF(G4>1,5,1/0)", 5},
+                                                        {"=VALUE(MID(H2,1,4))", 2012},
+                                                        {"=DATE(2012,13,1)", 41275}};
     for (auto& [formel, svar] : tilfeller) EXPECT_DOUBLE_EQ(c.x(formel), svar) << formel;
     EXPECT_NEAR(c.x("=(DATE(2012,11,24)+TIME(0,0,15)-(DATE(2012,11,23)+TIME(23,59,30)))*1440"), 0.75, 1e-8);
     EXPECT_EQ(c.i("=IF(G4>5,1)").art, Resultat::Logisk);
@@ -113,9 +96,7 @@ TEST(Formel, TeksterOgFeil)
         {"=AVERAGE(A1:A5)", "#DIV/0!", false},
         {"(1+", "#NAME?", true},
         {"=G5+1", "#VALUE!", false} /* text in arithmetic */,
-        {"=VALUE(\"x\")", "#VALUE!", false},
         {"=IF(A3=\"\",NA(),1)", "#N/A", false},
-        {"=NA()", "#N/A", false},
         {"=Ark2!A1", nullptr, true},
         {"=FINNESIKKE(1)", nullptr, true},
     };

@@ -15,15 +15,13 @@ TEST(Xml, TekstOgAttributtverdier)
     EXPECT_EQ(attributt, "a&lt;b&gt; &amp; &quot;c&quot;\t\n\r ø");
 }
 
-TEST(Xml, LesOgSkrivDokument)
+// Written parts are checked whole in ArkTest and ArbeidsbokTest; here the layer's error, with the
+// parser's reason when asked for.
+TEST(Xml, OdelagtDokument)
 {
-    pugi::xml_document d;
-    lesXml(d, "<?xml version=\"1.0\" standalone=\"yes\"?>\n<x:a xmlns:x=\"u\">\n  <x:b/><c/></x:a>", medDeklarasjon, "",
-           false);
-    EXPECT_EQ(skrivXml(d), "<?xml version=\"1.0\" standalone=\"yes\"?><x:a xmlns:x=\"u\"><x:b/><c/></x:a>");
-    // The layer's error, with the parser's reason when asked for.
-    auto feil = [&d](bool grunn) {
+    auto feil = [](bool grunn) {
         try {
+            pugi::xml_document d;
             lesXml(d, "<a><b></a>", pugi::parse_default, "Ødelagt del: a.xml", grunn);
         } catch (const XlsxFeil& f) {
             return std::string(f.what());
