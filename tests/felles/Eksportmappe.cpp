@@ -5,6 +5,7 @@
 
 #include <QJsonDocument>
 #include <QLabel>
+#include <QFile>
 #include <QProcess>
 
 namespace test {
@@ -55,11 +56,6 @@ app::Form1& Eksportmappe::form()
     return *form_;
 }
 
-void Eksportmappe::svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
-{
-    for (const auto& s : svar) dialogs.svar(s);
-}
-
 void Eksportmappe::rad(int sekunder, const Verdier& verdier)
 {
     QString kolonner, tall;
@@ -86,16 +82,6 @@ void Eksportmappe::snupunkter(const QList<int>& sekunder)
     files::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
 
-QStringList Eksportmappe::utfiler() const
-{
-    return QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::Files, QDir::Name);
-}
-
 QString Eksportmappe::label4() const { return form_->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
-
-Kjoring Eksportmappe::batch(const QStringList& argumenter) const
-{
-    return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
-}
 
 }  // namespace test

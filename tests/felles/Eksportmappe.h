@@ -11,13 +11,11 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QPushButton>
 #include <functional>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 
 namespace test {
@@ -47,24 +45,33 @@ Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 class Eksportmappe : public ::testing::Test {
 protected:
     Eksportmappe();
+    // Every command gives the normal pointer back and asks for every queued answer.
+    void TearDown() override
+    {
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        EXPECT_FALSE(dialogs.ubrukteSvar());
+    }
 
     // The main window, opened on first use over the folder as it is then.
     app::Form1& form();
     void sett(dialogs::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
-    void sykluser(const char* fra, const char* til)
+    void sykluser(const char* fra, const char* til) { sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til); }
+    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
     {
-        sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
+        for (const auto& s : svar) dialogs.svar(s);
     }
-    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar);
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
     void rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier);
     void snupunkter(const QList<int>& sekunder);  // SnuPunkter.txt
 
     QString ut(const QString& navn) const { return mappe.sti(QStringLiteral("Data_Bearbeidet/") + navn); }
-    QStringList utfiler() const;
+    QStringList utfiler() const { return QDir(ut(QString())).entryList(QDir::Files, QDir::Name); }
     QString label4() const;
-    Kjoring batch(const QStringList& argumenter) const;  // tolvik-batch on this folder
+    Kjoring batch(const QStringList& argumenter) const  // tolvik-batch on this folder
+    {
+        return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
+    }
 
     Programmappe mappe;
     dialogs::SkriptDialogs dialogs;
