@@ -31,12 +31,13 @@ TEST(Batch, GlobaleValgOgLagring)
 TEST(Batch, BrukFeilGirStatusTo)
 {
     test::Programmappe m;
-    for (const QStringList& args : {QStringList{"--folder", m.mappe()}, QStringList{"--folder", m.mappe(), "tull"},
-                                    QStringList{"--folder", m.mappe(), "--set", "Text9=1", "status"},
-                                    QStringList{"--folder", m.mappe(), "--column", "Q", "status"},
-                                    QStringList{"--folder", m.mappe(), "status", "ekstra"},
-                                    QStringList{"--adsorption", "--desorption", "status"}}) {
-        const auto k = test::batch(args);
+    for (const QStringList& args : {QStringList{},
+                                    {"tull"},
+                                    {"--set", "Text9=1", "status"},
+                                    {"--column", "Q", "status"},
+                                    {"status", "ekstra"},
+                                    {"--adsorption", "--desorption", "status"}}) {
+        const auto k = test::batch(QStringList{"--folder", m.mappe()} + args);
         EXPECT_EQ(k.status, 2) << args.join(' ').toStdString();
         EXPECT_TRUE(k.feil.contains(QStringLiteral("Bruk: tolvik-batch"))) << k.feil.toStdString();
     }

@@ -6,7 +6,6 @@
 
 #include <QAbstractButton>
 #include <QFile>
-#include <QLineEdit>
 #include <QRadioButton>
 #include <gtest/gtest.h>
 
@@ -46,8 +45,27 @@ TEST(Oppstart, ForsteGangUtenFiler)
     EXPECT_TRUE(f.kolonner().isEmpty());
     EXPECT_EQ(f.windowTitle(), QStringLiteral("Tolvik -    poster i databasen  [Versjon: 1.6 (06.01.2013)]"));
     EXPECT_FALSE(f.adsorpsjon());
-    EXPECT_FALSE(s.kontroll<QLineEdit>("Text1")->isEnabled());
+    EXPECT_FALSE(s.kontroll("Text1")->isEnabled());
     EXPECT_TRUE(s.dialogs.dialoger().empty());
+    for (const char* skjult : {"Command12", "Command6", "List1", "Label9", "Label10", "Command11"})
+        EXPECT_TRUE(s.kontroll(skjult)->isHidden()) << skjult;
+    EXPECT_FALSE(s.kontroll("Command3")->isHidden());
+    // Twips to pixels: the Exit button's frame stands at 3480/15 = 232 px at 96 dpi.
+    const double skala = f.logicalDpiX() / 96.0;
+    EXPECT_NEAR(s.kontroll("Frame4")->x(), 232 * skala, 1);
+    EXPECT_NEAR(f.width(), 665 * skala, 1);
+
+    // About: two lines in an information box titled with the program's name.
+    s.kontroll<QAbstractButton>("Command10")->click();
+    ASSERT_EQ(s.dialogs.dialoger().size(), 1u);
+    const auto& d = s.dialogs.dialoger()[0];
+    EXPECT_TRUE(d.ikon == dialogs::Ikon::Informasjon && d.tittel == QStringLiteral("Tolvik"));
+    EXPECT_EQ(d.tekst.count(QLatin1Char('\n')), 1);
+
+    // Files are found whatever the case of their names.
+    s.mappe.skriv("Snupunkter.txt", "x");
+    EXPECT_EQ(f.kontekst().sti(QStringLiteral("SnuPunkter.txt")), s.mappe.sti("Snupunkter.txt"));
+    EXPECT_EQ(f.kontekst().sti(QStringLiteral("Ny.txt")), s.mappe.sti("Ny.txt"));
 }
 
 TEST(Oppstart, Oppsettfila)
@@ -74,7 +92,8 @@ TEST(Oppstart, KolonnelistaVelgerForsteCo2)
     const std::tuple<QByteArray, int, int> tilfeller[] = {
         {"N2                    [C]\r\nCO2_44                    [D]\r\nCO2                    [E]\r\n", 1, 1},
         {"N2                    [C]\nO2                    [D]", -1, 1},
-        {"CO2                    [C]\r\n   \r\nN2                    [E]\r\n", 0, 0},  // a blank entry moves to the first
+        {"CO2                    [C]\r\n   \r\nN2                    [E]\r\n", 0,
+         0},  // a blank entry moves to the first
     };
     for (const auto& [liste, valgt, etterValg] : tilfeller) {
         Start s;
@@ -105,19 +124,6 @@ TEST(Oppstart, ManglendeDatabaseLagesOdelagtRoresIkke)
     }
 }
 
-TEST(Vinduet, SkjulteKontrollerOgStorrelseITwips)
-{
-    Start s;
-    s.start();
-    for (const char* skjult : {"Command12", "Command6", "List1", "Label9", "Label10", "Command11"})
-        EXPECT_TRUE(s.kontroll(skjult)->isHidden()) << skjult;
-    EXPECT_FALSE(s.kontroll("Command3")->isHidden());
-    // Twips to pixels: the Exit button's frame stands at 3480/15 = 232 px at 96 dpi.
-    const double skala = s.vindu->logicalDpiX() / 96.0;
-    EXPECT_NEAR(s.kontroll("Frame4")->x(), 232 * skala, 1);
-    EXPECT_NEAR(s.vindu->width(), 665 * skala, 1);
-}
-
 TEST(Vinduet, ValgAvAdsorpsjonStyrerText1)
 {
     Start s;
@@ -142,27 +148,6 @@ TEST(Vinduet, BareExitLagrerInnstillingene)
     s.kontroll<QAbstractButton>("Command1")->click();
     EXPECT_EQ(s.mappe.les("Oppsett.txt"), QByteArray("1!12 !200!230!10!120\r\n"));
     EXPECT_FALSE(f.isVisible());
-}
-
-TEST(Vinduet, OmProgrammetHarToLinjer)
-{
-    Start s;
-    s.start();
-    s.kontroll<QAbstractButton>("Command10")->click();
-    ASSERT_EQ(s.dialogs.dialoger().size(), 1u);
-    const auto& d = s.dialogs.dialoger()[0];
-    EXPECT_EQ(d.ikon, dialogs::Ikon::Informasjon);
-    EXPECT_EQ(d.tittel, QStringLiteral("Tolvik"));
-    EXPECT_EQ(d.tekst.count(QLatin1Char('\n')), 1);
-}
-
-TEST(Kontekst, SammeFilUansettStorOgSmaBokstaver)
-{
-    Start s;
-    app::Form1& f = s.start();
-    s.mappe.skriv("Snupunkter.txt", "x");
-    EXPECT_EQ(f.kontekst().sti(QStringLiteral("SnuPunkter.txt")), s.mappe.sti("Snupunkter.txt"));
-    EXPECT_EQ(f.kontekst().sti(QStringLiteral("Ny.txt")), s.mappe.sti("Ny.txt"));
 }
 
 }  // namespace

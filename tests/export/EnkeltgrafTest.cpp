@@ -134,11 +134,8 @@ TEST_F(Enkeltgraf, FeilStopperKommandoenMedFellesMeldingOgOdeleggerIngenting)
     // A prefix that no file name may hold, though this file system would take it.
     feiler({Svar::Ja, QStringLiteral("a:b")});
 
-    // A template that is no workbook, then one with a single chart on its second sheet (it
-    // fails at the second axis): left as it was, nothing written.
-    mappe.skriv(exports::MalSykluser, "ikke en arbeidsbok");
-    feiler({Svar::Ja, QStringLiteral("R")});
-    EXPECT_EQ(mappe.les(exports::MalSykluser), QByteArray("ikke en arbeidsbok"));
+    // A template with a single chart on its second sheet fails at the second axis: left as it
+    // was, nothing written.
     QFile::remove(mappe.sti(exports::MalSykluser));
     QFile::copy(mappe.sti(exports::MalAdsorpsjon), mappe.sti(exports::MalSykluser));
     const QByteArray enGraf = mappe.les(exports::MalSykluser);

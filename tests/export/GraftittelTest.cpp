@@ -22,7 +22,8 @@ TEST_F(Graftittel, EnkeltgrafFaarSammeTittelIBeggeDiagrammer)
     EXPECT_EQ(bok[QStringLiteral("A1")].toString(), QStringLiteral("Time&Date"));
 
     // Accepting the proposal keeps the title; an empty answer empties it on both charts.
-    for (const auto& [svaret, tittel] : {std::pair<dialogs::SkriptDialogs::Svaret, QString>{Forslag{}, ny}, {QString(), ""}}) {
+    for (const auto& [svaret, tittel] :
+         {std::pair<dialogs::SkriptDialogs::Svaret, QString>{Forslag{}, ny}, {QString(), ""}}) {
         svar({svaret});
         EXPECT_EQ(form().Command9_Click(), Utfall::Ferdig);
         EXPECT_EQ(lesArbeidsbok(mal).diagrammer(2, "tittel"), QVariantList({tittel, tittel}));

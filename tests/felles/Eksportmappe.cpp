@@ -3,9 +3,9 @@
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
+#include <QFile>
 #include <QJsonDocument>
 #include <QLabel>
-#include <QFile>
 #include <QProcess>
 
 namespace test {
@@ -50,12 +50,6 @@ Eksportmappe::Eksportmappe()
     files::SkrivTilFil(mappe.sti(files::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
 }
 
-app::Form1& Eksportmappe::form()
-{
-    if (!form_) form_ = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
-    return *form_;
-}
-
 void Eksportmappe::rad(int sekunder, const Verdier& verdier)
 {
     QString kolonner, tall;
@@ -82,6 +76,6 @@ void Eksportmappe::snupunkter(const QList<int>& sekunder)
     files::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
 
-QString Eksportmappe::label4() const { return form_->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
+QString Eksportmappe::label4() const { return f->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
 
 }  // namespace test

@@ -3,19 +3,15 @@
 // dialogs, and workbooks read back with openpyxl.
 #pragma once
 
-#include "app/Form1.h"
 #include "export/Eksport.h"
-#include "felles/Felles.h"
-#include "platform/dialogs/SkriptDialogs.h"
+#include "felles/MedVindu.h"
 #include "platform/xlsx/Arbeidsbok.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QPushButton>
 #include <functional>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace test {
@@ -42,20 +38,17 @@ struct Bok {
 };
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
-class Eksportmappe : public ::testing::Test {
+class Eksportmappe : public MedVindu {
 protected:
     Eksportmappe();
-    // Every command gives the normal pointer back and asks for every queued answer.
-    void TearDown() override
-    {
-        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-        EXPECT_FALSE(dialogs.ubrukteSvar());
-    }
 
     // The main window, opened on first use over the folder as it is then.
-    app::Form1& form();
+    app::Form1& form() { return f ? *f : vindu({}); }
     void sett(dialogs::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
-    void sykluser(const char* fra, const char* til) { sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til); }
+    void sykluser(const char* fra, const char* til)
+    {
+        sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
+    }
     void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
     {
         for (const auto& s : svar) dialogs.svar(s);
@@ -72,12 +65,6 @@ protected:
     {
         return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
     }
-
-    Programmappe mappe;
-    dialogs::SkriptDialogs dialogs;
-
-private:
-    std::unique_ptr<app::Form1> form_;
 };
 
 }  // namespace test

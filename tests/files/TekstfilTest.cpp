@@ -15,8 +15,8 @@ TEST(HentKode, SisteKlammeparOgKolonnebokstav)
              {"abc", ""}, {"x[]", ""}, {"N2 [E] [F]", "F"}, {"a]b[", ""}, {"[C] x]", "C] x"}})
         EXPECT_EQ(HentKode(QString::fromLatin1(linje)), QString::fromLatin1(kode)) << linje;
     EXPECT_EQ(kolonneLinje(QStringLiteral("N2"), QStringLiteral("D")), QStringLiteral("N2                    [D]"));
-    EXPECT_EQ(QStringList({kolonneBokstav(3), kolonneBokstav(26), kolonneBokstav(27), kolonneBokstav(29),
-                           kolonneBokstav(30)}),
+    EXPECT_EQ(QStringList(
+                  {kolonneBokstav(3), kolonneBokstav(26), kolonneBokstav(27), kolonneBokstav(29), kolonneBokstav(30)}),
               QStringList({"C", "Z", "Æ", "Å", ""}));
 }
 
@@ -34,22 +34,19 @@ TEST(Tekstfiler, LinjeslutterOgTelling)
 
 TEST(Tekstfiler, LeserLinjerOverBufferGrenser)
 {
+    // Lines of varying length with every kind of line end, so that ends fall across buffer boundaries.
     test::Programmappe m;
     QByteArray data;
-    QStringList ventet;
+    QStringList ventet, lest;
     for (int i = 0; i < 200000; ++i) {
-        const QByteArray linje = QByteArray::number(i) + QByteArray(i % 37, 'x');
-        data += linje + (i % 3 == 0 ? "\r\n" : i % 3 == 1 ? "\r" : "\n");
-        if (i < 5 || i % 50000 == 0) ventet << QString::fromLatin1(linje);
+        ventet << QString::number(i) + QString(i % 37, QLatin1Char('x'));
+        data += ventet.last().toLatin1() + (i % 3 == 0 ? "\r\n" : i % 3 == 1 ? "\r" : "\n");
     }
     m.skriv("stor.txt", data);
     Linjeleser leser(m.sti("stor.txt"));
-    int antall = 0;
-    QStringList sett;
-    for (std::string_view linje; leser.neste(linje); ++antall)
-        if (antall < 5 || antall % 50000 == 0) sett << latin1(linje);
-    EXPECT_EQ(antall, 200000);
-    EXPECT_EQ(sett, ventet);
+    for (std::string_view linje; leser.neste(linje);) lest << latin1(linje);
+    EXPECT_EQ(lest.size(), ventet.size());
+    EXPECT_TRUE(lest == ventet);
 }
 
 TEST(Tekstfiler, SkrivLatin1MedCrLf)
