@@ -21,41 +21,29 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     fyll(Sykluser);
     vindu();
     const QString Tre = u"Det ble funnet 3 sykluser. Den første syklusen med en verdi "_s;
+    const QByteArray Snu = "!00:00:00!23.11.2012 14:03:00\r\n";
     const struct {
         bool ads;
         QString terskel;
         bool ja;
         QString melding;
         QByteArray snu;
-        QStringList bokser;
+        QString bokser;
     } tilfeller[] = {
         // A: minimum of its span without its last row (0,05 at 14:01:40 lies outside); B: empty span, day zero;
         // C ends at 14:03:05 because 11 seconds follow it; the last group gets nothing.
-        {true,
-         u"1"_s,
-         true,
+        {true, u"1"_s, true,
          Tre +
              u"mindre enn 1 er ved tidspunktet 23.11.2012 14:01:10 (1 minutter etter oppstart).\nIntervallet "
              "mellom den første og andre syklusen er ca. 1 minutter. Vil du sette inn disse verdiene som valg i oppsettet?"_s,
-         "23.11.2012 14:01:30!00:00:00!23.11.2012 14:03:00\r\n",
-         {u"3"_s, u"-14"_s, u"1"_s}},
+         "23.11.2012 14:01:30" + Snu, u"3|-14|1"_s},
         // Desorpsjon takes the largest value; No leaves the settings.
-        {false,
-         u"1,0"_s,
-         false,
-         Tre + u"større enn 1 er"_s,
-         "23.11.2012 14:01:10!00:00:00!23.11.2012 14:03:00\r\n",
-         {u"3"_s, u"-14"_s, u"1"_s}},
+        {false, u"1,0"_s, false, Tre + u"større enn 1 er"_s, "23.11.2012 14:01:10" + Snu, u"3|-14|1"_s},
         // Hits 14:01:40 alone: one group, nothing closed, an empty line in the file.
-        {true, u"0.07"_s, true, u"Det ble funnet 0 sykluser. "_s, "\r\n", {u"0"_s, u"-14"_s, u"0"_s}},
+        {true, u"0.07"_s, true, u"Det ble funnet 0 sykluser. "_s, "\r\n", u"0|-14|0"_s},
         // Hits 14:01:30, 14:01:40 and 14:03:16: two groups, one turning point, the interval runs
         // from the first group's last row to the second group's first (14:01 to 14:03).
-        {true,
-         u"0.12"_s,
-         true,
-         u"Det ble funnet 1 sykluser. "_s,
-         "23.11.2012 14:01:30\r\n",
-         {u"1"_s, u"-14"_s, u"2"_s}},
+        {true, u"0.12"_s, true, u"Det ble funnet 1 sykluser. "_s, "23.11.2012 14:01:30\r\n", u"1|-14|2"_s},
     };
     // The same answers whether or not the store may read ID order from the time index.
     db::Database& k = f->kontekst().tilkobling;
@@ -67,7 +55,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
             EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << t.terskel;
             EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
             EXPECT_EQ(mappe.les(SnuPunkter), t.snu) << t.terskel << tidFolgerId;
-            EXPECT_EQ(bokser(), t.bokser) << t.terskel;
+            EXPECT_EQ(bokser().join('|'), t.bokser) << t.terskel;
         }
     }
     // The row on the search start second is not searched: the minimum is 0,05, not 0,01.
@@ -106,38 +94,29 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     EXPECT_EQ(vindu().Command7_Click(), Utfall::Avvist);  // an empty table ends silently
     EXPECT_TRUE(dialogs.dialoger().size() == 1 && dialogs.meldinger().isEmpty());
     fyll(Sykluser);
-    // sletter: a SnuPunkter.txt from an earlier run, under any case of its name, is gone.
-    const struct {
-        int kolonne;
-        std::vector<dialogs::SkriptDialogs::Svaret> svar;
-        QString melding;
-        bool sletter;
-        const char* hva;
-    } tilfeller[] = {
-        {0,
-         {u"1"_s, u"0.02"_s},
-         u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s,
-         true,
-         "no hit: 0,01 lies on the search start"},
-        {0, {u"1"_s, QString()}, Feil, true, "Cancel at the threshold"},
-        {0, {QString()}, Feil, false, "Cancel at the start minutes"},
-        {0, {u"en time"_s}, Feil, false, "start minutes no number"},
-        {0, {u"1"_s, u"lav"_s}, Feil, false, "threshold no number"},
-        {2, {u"1"_s}, Feil, false, "a letter the table does not have"},
-        {3, {u"1"_s}, Feil, false, "an entry without a letter"},
-        {0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, Feil, false, "no row after the search start"},
+    // Every refusal says so with an information box; sletter: a SnuPunkter.txt from an earlier
+    // run, under any case of its name, is gone.
+    auto avvist = [&](int kolonne, std::vector<dialogs::SkriptDialogs::Svaret> svar, const char* hva,
+                      const QString& melding = Feil, bool sletter = false) {
+        const QString navn = melding == Feil ? SnuPunkter : u"Snupunkter.txt"_s;
+        if (sletter) mappe.skriv(navn, "01.01.2012\r\n");
+        f->velgKolonne(kolonne);
+        for (const auto& s : svar) dialogs.svar(s);
+        EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << hva;
+        EXPECT_EQ(dialogs.dialoger().back().tekst, melding) << hva;
+        EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Informasjon) << hva;
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << hva;
+        EXPECT_FALSE(sletter && QFile::exists(mappe.sti(navn))) << hva;
     };
-    for (const auto& t : tilfeller) {
-        const QString navn = t.melding == Feil ? SnuPunkter : u"Snupunkter.txt"_s;
-        if (t.sletter) mappe.skriv(navn, "01.01.2012\r\n");
-        f->velgKolonne(t.kolonne);
-        for (const auto& s : t.svar) dialogs.svar(s);
-        EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << t.hva;
-        EXPECT_EQ(dialogs.dialoger().back().tekst, t.melding) << t.hva;
-        EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Informasjon) << t.hva;
-        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << t.hva;
-        EXPECT_FALSE(t.sletter && QFile::exists(mappe.sti(navn))) << t.hva;
-    }
+    avvist(0, {u"1"_s, u"0.02"_s}, "no hit: 0,01 lies on the search start",
+           u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s, true);
+    avvist(0, {u"1"_s, QString()}, "Cancel at the threshold", Feil, true);
+    avvist(0, {QString()}, "Cancel at the start minutes");
+    avvist(0, {u"en time"_s}, "start minutes no number");
+    avvist(0, {u"1"_s, u"lav"_s}, "threshold no number");
+    avvist(2, {u"1"_s}, "a letter the table does not have");
+    avvist(3, {u"1"_s}, "an entry without a letter");
+    avvist(0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, "no row after the search start");
     // Without a row after the search start the prompt shows no number and proposes nothing.
     const auto& uten = dialogs.dialoger()[dialogs.dialoger().size() - 2];
     EXPECT_EQ(uten.tekst + '|' + uten.forslag, u"Den minste verdien er . Oppgi søkeverdien som skal brukes under:|"_s);

@@ -3,6 +3,7 @@
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
+#include <QFile>
 #include <QJsonDocument>
 #include <QLabel>
 #include <QProcess>
@@ -49,17 +50,6 @@ Eksportmappe::Eksportmappe()
     files::SkrivTilFil(mappe.sti(files::KolonnerFil), linjer.join(QStringLiteral("\r\n")));
 }
 
-app::Form1& Eksportmappe::form()
-{
-    if (!form_) form_ = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
-    return *form_;
-}
-
-void Eksportmappe::svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
-{
-    for (const auto& s : svar) dialogs.svar(s);
-}
-
 void Eksportmappe::rad(int sekunder, const Verdier& verdier)
 {
     QString kolonner, tall;
@@ -86,16 +76,6 @@ void Eksportmappe::snupunkter(const QList<int>& sekunder)
     files::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
 
-QStringList Eksportmappe::utfiler() const
-{
-    return QDir(mappe.sti(QStringLiteral("Data_Bearbeidet"))).entryList(QDir::Files, QDir::Name);
-}
-
-QString Eksportmappe::label4() const { return form_->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
-
-Kjoring Eksportmappe::batch(const QStringList& argumenter) const
-{
-    return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
-}
+QString Eksportmappe::label4() const { return f->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
 
 }  // namespace test

@@ -3,21 +3,15 @@
 // dialogs, and workbooks read back with openpyxl.
 #pragma once
 
-#include "app/Form1.h"
 #include "export/Eksport.h"
-#include "felles/Felles.h"
-#include "platform/dialogs/SkriptDialogs.h"
+#include "felles/MedVindu.h"
 #include "platform/xlsx/Arbeidsbok.h"
 
-#include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QPushButton>
 #include <functional>
-#include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 
 namespace test {
@@ -44,33 +38,33 @@ struct Bok {
 };
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
-class Eksportmappe : public ::testing::Test {
+class Eksportmappe : public MedVindu {
 protected:
     Eksportmappe();
 
     // The main window, opened on first use over the folder as it is then.
-    app::Form1& form();
+    app::Form1& form() { return f ? *f : vindu({}); }
     void sett(dialogs::Boks boks, const QString& tekst) { form().settTekst(boks, tekst); }
     void sykluser(const char* fra, const char* til)
     {
         sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
     }
-    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar);
+    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
+    {
+        for (const auto& s : svar) dialogs.svar(s);
+    }
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
     void rader(int fra, int til, int steg, const std::function<Verdier(int)>& verdier);
     void snupunkter(const QList<int>& sekunder);  // SnuPunkter.txt
 
     QString ut(const QString& navn) const { return mappe.sti(QStringLiteral("Data_Bearbeidet/") + navn); }
-    QStringList utfiler() const;
+    QStringList utfiler() const { return QDir(ut(QString())).entryList(QDir::Files, QDir::Name); }
     QString label4() const;
-    Kjoring batch(const QStringList& argumenter) const;  // tolvik-batch on this folder
-
-    Programmappe mappe;
-    dialogs::SkriptDialogs dialogs;
-
-private:
-    std::unique_ptr<app::Form1> form_;
+    Kjoring batch(const QStringList& argumenter) const  // tolvik-batch on this folder
+    {
+        return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
+    }
 };
 
 }  // namespace test

@@ -1,4 +1,4 @@
-// The real main window on a fresh program folder with scripted dialogs; used by the analysis and import tests.
+// The real main window on a fresh program folder with scripted dialogs; used by the analysis, import and export tests.
 #pragma once
 
 #include "app/Form1.h"
