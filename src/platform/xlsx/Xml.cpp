@@ -41,19 +41,6 @@ void leggTilTekst(std::string& ut, std::string_view s) { escape(ut, s, false); }
 
 void leggTilAttributt(std::string& ut, std::string_view s) { escape(ut, s, true); }
 
-std::string_view lokaltNavn(const char* navn)
-{
-    const char* kolon = std::strrchr(navn, ':');
-    return kolon ? kolon + 1 : navn;
-}
-
-pugi::xml_node barn(pugi::xml_node n, std::string_view navn)
-{
-    for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
-        if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
-    return {};
-}
-
 std::string rentTekst(pugi::xml_node n)
 {
     std::string s;

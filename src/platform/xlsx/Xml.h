@@ -5,6 +5,7 @@
 
 #include <pugixml.hpp>
 
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -18,10 +19,19 @@ void leggTilTekst(std::string& ut, std::string_view s);
 // Appends text as an attribute value: escaped as element content, and " as well.
 void leggTilAttributt(std::string& ut, std::string_view s);
 
-// The name without its namespace prefix: "x:row" -> "row".
-std::string_view lokaltNavn(const char* navn);
+// The name without its namespace prefix: "x:row" -> "row". Inline, as a sheet asks it of every cell.
+inline std::string_view lokaltNavn(const char* navn)
+{
+    const char* kolon = std::strrchr(navn, ':');
+    return kolon ? kolon + 1 : navn;
+}
 // The first child element with this local name; an empty node when there is none.
-pugi::xml_node barn(pugi::xml_node n, std::string_view navn);
+inline pugi::xml_node barn(pugi::xml_node n, std::string_view navn)
+{
+    for (pugi::xml_node b = n.first_child(); b; b = b.next_sibling())
+        if (b.type() == pugi::node_element && lokaltNavn(b.name()) == navn) return b;
+    return {};
+}
 // The plain text of a string item or inline string: its <t> elements, phonetic hints (rPh) left out.
 std::string rentTekst(pugi::xml_node n);
 
