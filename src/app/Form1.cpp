@@ -4,6 +4,7 @@
 #include "analysis/Graf.h"
 #include "analysis/Sykluser.h"
 #include "app/FrmGraph.h"
+#include "export/Eksport.h"
 #include "export/Enkeltgraf.h"
 #include "export/Graftittel.h"
 #include "export/Integrering.h"
@@ -13,6 +14,7 @@
 #include "files/Tekstfil.h"
 #include "store/Import.h"
 #include "store/Maledata.h"
+#include "store/Nydatabase.h"
 #include "store/Setninger.h"
 
 #include <QApplication>
@@ -197,12 +199,23 @@ void Form1::koble(QPushButton* knapp, Utfall (Form1::*handler)())
 
 void Form1::Form_Load()
 {
+    ryddOpp();
     apneDatabase();
     files::LesKolonner(k_);
     store::VisAntallPoster(k_);
     files::LesOppsett(k_);
     Option2->setChecked(true);
     boks(dialogs::Boks::Text1)->setEnabled(false);
+}
+
+// Removes what a killed run left: temporary files beside the program's files and workbooks,
+// and a half-built database of an import (the user is told; Data.mdb is the one before it).
+void Form1::ryddOpp()
+{
+    files::RyddForlatteTmp(k_.mappe);
+    files::RyddForlatteTmp(k_.sti(exports::UtMappe));
+    if (auto notis = store::ryddAvbruttImport(k_))
+        k_.dialogs.melding(*notis, dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
 }
 
 // Opens Data.mdb. A missing one is made anew from Template.mdb; one that cannot be opened
@@ -212,10 +225,12 @@ void Form1::apneDatabase()
     const QString data = k_.sti(store::DataFil);
     const QString mal = k_.sti(store::MalFil);
     if (!QFile::exists(data)) {
-        if (!files::FilFinnes(mal) || !QFile::copy(mal, data)) {
-            k_.dialogs.melding(QStringLiteral("Databasen %1 finnes ikke, og den kan ikke lages fra %2. Kontroller "
+        try {
+            store::lagFraMal(mal, data);
+        } catch (const db::DbFeil& e) {
+            k_.dialogs.melding(QStringLiteral("Databasen %1 finnes ikke, og den kan ikke lages fra %2 (%3). Kontroller "
                                               "programmappen.")
-                                   .arg(data, mal),
+                                   .arg(data, mal, QString::fromStdString(e.what())),
                                dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
             return;
         }

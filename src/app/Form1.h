@@ -72,6 +72,7 @@ protected:
 private:
     void byggKontroller();
     void Form_Load();
+    void ryddOpp();
     void apneDatabase();
     void Combo1_Click();
     void Option1_Click();

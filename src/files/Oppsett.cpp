@@ -52,4 +52,13 @@ QString kolonneLinje(const QString& navn, const QString& bokstav)
     return navn + QString(20, QLatin1Char(' ')) + QLatin1Char('[') + bokstav + QLatin1Char(']');
 }
 
+QStringList kolonneLinjer(const QStringList& overskrift)
+{
+    QStringList linjer;
+    for (qsizetype i = 2; i < overskrift.size(); ++i)
+        if (i == 2 || !overskrift[i].isEmpty())
+            linjer << kolonneLinje(overskrift[i], kolonneBokstav(static_cast<int>(i) + 1));
+    return linjer;
+}
+
 }  // namespace files

@@ -24,5 +24,8 @@ void LesKolonner(Kontekst& k);
 QString kolonneBokstav(int posisjon);
 // A line of Kolonner.txt.
 QString kolonneLinje(const QString& navn, const QString& bokstav);
+// The lines of Kolonner.txt for a header's cleaned fields: field 3 always, each later field whose
+// text is not empty; none when the header has fewer than three fields.
+QStringList kolonneLinjer(const QStringList& overskrift);
 
 }  // namespace files

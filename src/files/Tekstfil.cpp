@@ -1,22 +1,25 @@
 #include "files/Tekstfil.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <filesystem>
+#include <unistd.h>
 
 namespace files {
 
 namespace {
 
-constexpr size_t Blokk = 1 << 20;
+// The longest line any of the program's files may hold; a longer one is no line of theirs.
+constexpr size_t MaksLinje = 1 << 20;
 
-void skriv(const QString& Filnavn, const QString& Streng, QIODevice::OpenMode modus)
+[[noreturn]] void kanIkkeSkrive(const QString& Filnavn, const QString& grunn)
 {
-    QFile fil(Filnavn);
-    QByteArray data = Streng.toLatin1();
-    data += "\r\n";
-    if (!fil.open(modus) || fil.write(data) != data.size())
-        throw FilFeil(QStringLiteral("Kan ikke skrive fila %1: %2").arg(Filnavn, fil.errorString()).toStdString());
+    throw FilFeil(QStringLiteral("Kan ikke skrive fila %1: %2").arg(Filnavn, grunn).toStdString());
 }
 
 }  // namespace
@@ -37,14 +40,54 @@ int32_t TellLinjer(const QString& Filnavn)
     return antall;
 }
 
-void SkrivTilFil(const QString& Filnavn, const QString& Streng)
+void SkrivTilFil(const QString& Filnavn, const QString& Streng) { NyTekstfil(Filnavn, {Streng}).erstatt(); }
+
+NyTekstfil::NyTekstfil(const QString& Filnavn, const QStringList& linjer)
+    : fil_(Filnavn), tmp_(Filnavn + QStringLiteral(".tmp") + QString::number(::getpid()))
 {
-    skriv(Filnavn, Streng, QIODevice::WriteOnly | QIODevice::Truncate);
+    const QFileInfo info(Filnavn);
+    if (info.exists() && (!info.isWritable() || !info.permissions().testFlag(QFile::WriteOwner)))
+        kanIkkeSkrive(Filnavn, QStringLiteral("fila er skrivebeskyttet"));
+    QByteArray data;
+    for (const QString& linje : linjer) data += linje.toLatin1() + "\r\n";
+    QFile ut(tmp_);
+    QString grunn;
+    if (!ut.open(QIODevice::WriteOnly | QIODevice::Truncate) || ut.write(data) != data.size() || !ut.flush())
+        grunn = ut.errorString();
+    else if (::fsync(ut.handle()) != 0)
+        grunn = QString::fromLocal8Bit(std::strerror(errno));
+    ut.close();
+    if (!grunn.isEmpty()) {
+        ut.remove();
+        kanIkkeSkrive(Filnavn, grunn);
+    }
 }
 
-void SkrivTilFilAppend(const QString& Filnavn, const QString& Streng)
+NyTekstfil::~NyTekstfil()
 {
-    skriv(Filnavn, Streng, QIODevice::WriteOnly | QIODevice::Append);
+    if (!erstattet_) QFile::remove(tmp_);
+}
+
+void NyTekstfil::erstatt()
+{
+    std::error_code feil;
+    std::filesystem::rename(QFile::encodeName(tmp_).toStdString(), QFile::encodeName(fil_).toStdString(), feil);
+    if (feil)
+        throw FilFeil(QStringLiteral("Kan ikke erstatte fila %1: %2")
+                          .arg(fil_, QString::fromLocal8Bit(feil.message()))
+                          .toStdString());
+    erstattet_ = true;
+}
+
+void RyddForlatteTmp(const QString& Mappe)
+{
+    static const QRegularExpression Monster(QStringLiteral("\\.tmp(\\d{1,9})(_\\d+)?$"));
+    for (const QString& navn : QDir(Mappe).entryList(QDir::Files | QDir::Hidden)) {
+        const QRegularExpressionMatch m = Monster.match(navn);
+        if (!m.hasMatch()) continue;
+        const auto pid = static_cast<pid_t>(m.captured(1).toLong());
+        if (pid != ::getpid() && ::kill(pid, 0) != 0 && errno == ESRCH) QFile::remove(Mappe + QLatin1Char('/') + navn);
+    }
 }
 
 QString HentFraFil(const QString& Filnavn)
@@ -67,8 +110,11 @@ QString HentKode(const QString& Streng)
     return Streng.mid(p1 + 1, p2 - p1 - 1);
 }
 
-Linjeleser::Linjeleser(const QString& Filnavn) : fil_(Filnavn), buf_(Blokk)
+Linjeleser::Linjeleser(const QString& Filnavn) : fil_(Filnavn), buf_(MaksLinje + 1)
 {
+    const QFileInfo info(Filnavn);
+    if (info.exists() && !info.isFile())
+        throw FilFeil(QStringLiteral("Kan ikke åpne fila %1: det er ingen vanlig fil").arg(Filnavn).toStdString());
     if (!fil_.open(QIODevice::ReadOnly))
         throw FilFeil(QStringLiteral("Kan ikke åpne fila %1: %2").arg(Filnavn, fil_.errorString()).toStdString());
 }
@@ -81,7 +127,12 @@ bool Linjeleser::fyll()
         slutt_ -= start_;
         start_ = 0;
     }
-    if (slutt_ == buf_.size()) buf_.resize(buf_.size() * 2);
+    if (slutt_ == buf_.size())
+        throw FilFeil(QStringLiteral("Linje %1 i fila %2 er lengre enn %3 MB")
+                          .arg(linjeNr_ + 1)
+                          .arg(fil_.fileName())
+                          .arg(MaksLinje >> 20)
+                          .toStdString());
     const qint64 n = fil_.read(buf_.data() + slutt_, static_cast<qint64>(buf_.size() - slutt_));
     if (n < 0)
         throw FilFeil(
@@ -116,6 +167,7 @@ bool Linjeleser::neste(std::string_view& linje)
                 linje = std::string_view(b + start_, slutt - start_);
                 hoppOverLf_ = *brudd == '\r';
                 start_ = slutt + 1;
+                ++linjeNr_;
                 return true;
             }
             i += n;
@@ -125,6 +177,7 @@ bool Linjeleser::neste(std::string_view& linje)
             if (start_ == slutt_) return false;
             linje = std::string_view(buf_.data() + start_, slutt_ - start_);
             start_ = slutt_;
+            ++linjeNr_;
             return true;
         }
     }

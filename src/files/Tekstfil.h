@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QString>
+#include <QStringList>
 #include <string_view>
 #include <vector>
 
@@ -22,23 +23,47 @@ bool FilFinnes(const QString& Filnavn);
 bool MappeFinnes(const QString& Mappe);
 // Number of lines (0 for an empty file; empty lines count). FilFeil when unreadable.
 int32_t TellLinjer(const QString& Filnavn);
-// The file holds Streng as its only line. FilFeil when it cannot be written.
+// The file holds Streng as its only line, written as NyTekstfil does. FilFeil when it cannot be
+// written; the old file is then unchanged.
 void SkrivTilFil(const QString& Filnavn, const QString& Streng);
-// Streng added as a new last line, the file created when missing.
-void SkrivTilFilAppend(const QString& Filnavn, const QString& Streng);
+
+// A text file written beside its final name (as name + ".tmp" + process number) and renamed
+// over it in one step, so that a full disk or a killed program never leaves a half-written
+// file under the final name.
+class NyTekstfil {
+public:
+    // Writes the lines to the temporary file and flushes them to the disk; FilFeil when any
+    // write fails.
+    NyTekstfil(const QString& Filnavn, const QStringList& linjer);
+    // Removes the temporary file unless it was put in place.
+    ~NyTekstfil();
+    NyTekstfil(const NyTekstfil&) = delete;
+    NyTekstfil& operator=(const NyTekstfil&) = delete;
+    // Renames the file over its final name; FilFeil when that fails.
+    void erstatt();
+
+private:
+    QString fil_, tmp_;
+    bool erstattet_ = false;
+};
+
+// Removes from a folder the temporary files that the program writes beside a final name
+// (name + ".tmp" + process number, optionally "_" + a count) and that a process no longer
+// running left behind when it was killed.
+void RyddForlatteTmp(const QString& Mappe);
 // The first line, or empty text when the file is missing, empty or unreadable.
 QString HentFraFil(const QString& Filnavn);
 // The text between the last "[" and the last "]"; empty when either is missing
 // or the last "]" stands before the last "[".
 QString HentKode(const QString& Streng);
 
-// Reads a file line by line through a large buffer; memory does not grow with the file.
+// Reads a file line by line through a buffer of 1 MB; memory does not grow with the file.
 class Linjeleser {
 public:
-    // FilFeil when the file cannot be opened.
+    // FilFeil when the file cannot be opened or is no regular file (a folder, a device).
     explicit Linjeleser(const QString& Filnavn);
     // The next line without its line end, valid until the next call; false at the end.
-    // FilFeil when reading fails half-way.
+    // FilFeil when reading fails half-way or a line is longer than 1 MB.
     bool neste(std::string_view& linje);
 
 private:
@@ -47,6 +72,7 @@ private:
     QFile fil_;
     std::vector<char> buf_;
     size_t start_ = 0, slutt_ = 0;
+    int64_t linjeNr_ = 0;
     bool ferdig_ = false;
     bool hoppOverLf_ = false;
 };

@@ -21,15 +21,37 @@ std::optional<QString> forhaandssjekk(const QString& fil, Oversikt& o)
     }
 }
 
-// Opens the file for reading, then replaces the database; why not, when either fails.
-std::optional<QString> klargjor(Kontekst& k, std::optional<files::Linjeleser>& leser, const QString& fil)
+// Opens the file for reading and builds the new database beside the old one; why not, when
+// either fails.
+std::optional<QString> klargjor(NyDatabase& ny, std::optional<files::Linjeleser>& leser, const QString& fil)
 {
     try {
         leser.emplace(fil);
     } catch (const files::FilFeil& e) {
         return QString::fromStdString(e.what()) + QLatin1Char('.') + Uendret;
     }
-    return erstattDatabase(k);
+    return ny.lag();
+}
+
+// Puts the new database and the header's Kolonner.txt in place, both written in full before
+// either replaces its old file; why not, when that fails.
+std::optional<QString> byttInn(Kontekst& k, NyDatabase& ny, const QStringList& overskrift)
+{
+    std::optional<files::NyTekstfil> kolonner;
+    try {
+        const QStringList linjer = files::kolonneLinjer(overskrift);
+        if (!linjer.isEmpty()) kolonner.emplace(k.sti(files::KolonnerFil), linjer);
+    } catch (const files::FilFeil& e) {
+        return QString::fromStdString(e.what()) + QLatin1Char('.') + Uendret;
+    }
+    if (auto nei = ny.byttInn()) return nei;
+    try {
+        if (kolonner) kolonner->erstatt();
+    } catch (const files::FilFeil& e) {
+        return QString::fromStdString(e.what()) +
+               QStringLiteral(". Radene er importert, men kolonnelista er den gamle.");
+    }
+    return std::nullopt;
 }
 
 // The messages once the file is read: where it stopped or the line count, then the lines left out.
@@ -40,7 +62,7 @@ Utfall rapporter(Kontekst& k, const Innlesing& innlesing, const std::optional<QS
         k.dialogs.info(*stopp);
     else
         k.dialogs.melding(QStringLiteral("Antall linjer importert: ") + vb::antallTekst(innlesing.linjer()));
-    if (auto hoppet = innlesing.hoppetOver()) k.dialogs.info(*hoppet);
+    if (auto merknad = innlesing.merknad(); merknad && !stopp) k.dialogs.info(*merknad);
     VisAntallPoster(k);
     return stopp ? Utfall::Avvist : Utfall::Ferdig;
 }
@@ -71,16 +93,21 @@ Utfall Command2_Click(Kontekst& k)
     if (!k.dialogs.sporJaNei(SporImport.tekst.arg(fil, vb::antallTekst(oversikt.linjer)))) return Utfall::Ferdig;
 
     std::optional<files::Linjeleser> leser;
-    if (auto nei = klargjor(k, leser, fil)) {
+    NyDatabase ny(k);
+    if (auto nei = klargjor(ny, leser, fil)) {
         opptatt.reset();
         return avvis(k, *nei);
     }
 
-    Innlesing innlesing(k.tilkobling, *leser, fil, k.sti(files::KolonnerFil), [&k](int64_t behandlet) {
+    Innlesing innlesing(ny.db(), *leser, fil, [&k](int64_t behandlet) {
         k.vindu.settLabel4(vb::antallTekst(behandlet));
         k.vindu.behandleHendelser();
     });
-    const std::optional<QString> stopp = innlesing.les();
+    std::optional<QString> stopp = innlesing.les();
+    if (stopp)
+        *stopp += Uendret;
+    else
+        stopp = byttInn(k, ny, innlesing.overskrift());
     k.vindu.settLabel4(vb::antallTekst(innlesing.behandlet()));
     leser.reset();
     opptatt.reset();

@@ -30,11 +30,14 @@ void Tolker::fyll(Blokk& b)
             if (behandlet_++ == 0) {
                 for (std::string_view f : linje_.felt()) b.overskrift << files::latin1(f);
                 b.overskriftLinje = linjeNr_;
-            } else if (linje_.erDatalinje()) {
-                if (const auto hopp = linje_.tolk(b.rader[static_cast<size_t>(b.antall)]))
-                    noter(*hopp);
-                else
-                    leggTil(b);
+            } else if (!linje_.erDatalinje()) {
+                feltAntall_.noter(linjeNr_, QStringLiteral("%1 felt").arg(linje_.felt().size()));
+            } else if (const auto hopp = linje_.tolk(b.rader[static_cast<size_t>(b.antall)])) {
+                uleselig_.noter(linjeNr_, hoppTekst(*hopp));
+            } else {
+                if (!linje_.forLite().empty())
+                    forLite_.noter(linjeNr_, QStringLiteral("«%1»").arg(files::latin1(linje_.forLite())));
+                leggTil(b);
             }
         }
     } catch (const files::FilFeil& e) {
@@ -46,17 +49,34 @@ void Tolker::fyll(Blokk& b)
     b.behandlet = behandlet_;
 }
 
-std::optional<QString> Tolker::hoppetOver() const
+void Merknader::noter(int32_t linjeNr, const QString& hva)
 {
-    if (hopp_.empty()) return std::nullopt;
-    QString t = QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
-                               "ikke kan leses:")
-                    .arg(antallHopp_)
-                    .arg(fil_);
-    for (const QString& h : hopp_) t += QLatin1Char('\n') + h;
-    if (antallHopp_ > static_cast<int64_t>(hopp_.size()))
-        t += QStringLiteral("\n(bare de første %1 er vist)").arg(hopp_.size());
+    if (forste.size() < VisteHopp) forste.push_back(QStringLiteral("linje %1: ").arg(linjeNr) + hva);
+    ++antall;
+}
+
+std::optional<QString> Merknader::avsnitt(const QString& innledning) const
+{
+    if (antall == 0) return std::nullopt;
+    QString t = innledning;
+    for (const QString& linje : forste) t += QLatin1Char('\n') + linje;
+    if (antall > static_cast<int64_t>(forste.size()))
+        t += QStringLiteral("\n(bare de første %1 er vist)").arg(forste.size());
     return t;
+}
+
+std::optional<QString> Tolker::merknad() const
+{
+    QStringList avsnitt;
+    const auto legg = [&](const Merknader& m, const QString& innledning) {
+        if (auto a = m.avsnitt(innledning.arg(m.antall).arg(fil_))) avsnitt << *a;
+    };
+    legg(feltAntall_, QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi de ikke har 4 til 13 felt:"));
+    legg(uleselig_, QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
+                                   "ikke kan leses:"));
+    legg(forLite_, QStringLiteral("%1 datalinjer i fila %2 har tall som er for små til å lagres; de er lagret som 0:"));
+    if (avsnitt.isEmpty()) return std::nullopt;
+    return avsnitt.join(QStringLiteral("\n\n"));
 }
 
 // Takes the row just read into the stretch.
@@ -65,12 +85,6 @@ void Tolker::leggTil(Blokk& b)
     const Rad& rad = b.rader[static_cast<size_t>(b.antall++)];
     if (std::memcmp(rad.datoTid, forrigeTid_, sizeof forrigeTid_) < 0) b.tidFolgerId = false;
     std::memcpy(forrigeTid_, rad.datoTid, sizeof forrigeTid_);
-}
-
-void Tolker::noter(const Hopp& hopp)
-{
-    ++antallHopp_;
-    if (hopp_.size() < VisteHopp) hopp_.push_back(QStringLiteral("linje %1: ").arg(linjeNr_) + hoppTekst(hopp));
 }
 
 Lesetraad::Lesetraad(Tolker& tolker) : tolker_(tolker)

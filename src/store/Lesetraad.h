@@ -32,6 +32,16 @@ struct Blokk {
     bool slutt = false;
 };
 
+// Lines of one kind that the notice after an import names: how many, and the first ones.
+struct Merknader {
+    int64_t antall = 0;
+    std::vector<QString> forste;  // "linje 7: …"
+
+    void noter(int32_t linjeNr, const QString& hva);
+    // The notice's paragraph: the introduction, then the lines named; none when there were none.
+    std::optional<QString> avsnitt(const QString& innledning) const;
+};
+
 // Reads the lines and interprets them, and notes whether the rows' time follows their order;
 // it touches neither window nor store.
 class Tolker {
@@ -40,20 +50,19 @@ public:
 
     // The next stretch of the file.
     void fyll(Blokk& b);
-    // The notice about data lines left out for a date, time or number the store cannot take.
-    std::optional<QString> hoppetOver() const;
+    // The notice about data lines left out (for their field count, or a date, time or number
+    // the store cannot take) and numbers too small to be stored, stored as 0.
+    std::optional<QString> merknad() const;
 
 private:
     void leggTil(Blokk& b);
-    void noter(const Hopp& hopp);
 
     files::Linjeleser& leser_;
     const QString fil_;
     Radatalinje linje_;
     int32_t linjeNr_ = 0;
     int64_t behandlet_ = 0;
-    int64_t antallHopp_ = 0;
-    std::vector<QString> hopp_;                  // the first ones, as the notice names them
+    Merknader feltAntall_, uleselig_, forLite_;
     char forrigeTid_[sizeof Rad::datoTid] = {};  // below every date-time before the first row
 };
 

@@ -9,46 +9,83 @@
 
 namespace store {
 
-std::optional<QString> erstattDatabase(Kontekst& k)
+namespace {
+
+// The new database and the journal SQLite keeps beside it while it writes.
+QStringList nyeFiler(const Kontekst& k)
 {
-    const QString mal = k.sti(MalFil);
-    const QString data = k.sti(DataFil);
-    const QString ny = data + QStringLiteral(".import");
+    const QString ny = k.sti(NyDataFil);
+    return {ny, ny + QStringLiteral("-journal")};
+}
+
+}  // namespace
+
+void lagFraMal(const QString& mal, const QString& ny)
+{
+    db::Database kilde;
+    apneMaledata(kilde, mal);
+    kilde.kopierTil(ny);
+    db::Database tom(ny);
+    tomTabell(tom);
+}
+
+NyDatabase::~NyDatabase()
+{
+    if (!byttet_) fjern();
+}
+
+void NyDatabase::fjern()
+{
+    db_.lukk();
+    for (const QString& f : nyeFiler(k_)) QFile::remove(f);
+}
+
+std::optional<QString> NyDatabase::lag()
+{
+    const QString mal = k_.sti(MalFil);
+    const QString ny = k_.sti(NyDataFil);
     if (!files::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal) + Uendret;
-    QFile::remove(ny);
-    QFile kopi(mal);
-    if (!kopi.copy(ny))
-        return QStringLiteral("Kan ikke kopiere databasemalen %1 til %2: %3.").arg(mal, ny, kopi.errorString()) +
-               Uendret;
-    QFile::setPermissions(ny, QFile::permissions(ny) | QFileDevice::WriteOwner);
+    fjern();
     try {
-        db::Database tom(ny);
-        tomTabell(tom);
+        lagFraMal(mal, ny);
+        db_.aapne(ny);
     } catch (const db::DbFeil& e) {
-        QFile::remove(ny);
+        fjern();
         return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, QString::fromStdString(e.what())) +
                Uendret;
     }
-    k.tilkobling.lukk();
+    return std::nullopt;
+}
+
+std::optional<QString> NyDatabase::byttInn()
+{
+    db_.lukk();
+    const QString data = k_.sti(DataFil);
+    k_.tilkobling.lukk();
     std::error_code feil;
-    std::filesystem::rename(QFile::encodeName(ny).toStdString(), QFile::encodeName(data).toStdString(), feil);
-    if (feil) {
-        QFile::remove(ny);
-        try {
-            k.tilkobling.aapne(data);
-        } catch (const db::DbFeil&) {
-            // it could not be opened before the import either; the start-up message said so
-        }
+    std::filesystem::rename(QFile::encodeName(k_.sti(NyDataFil)).toStdString(), QFile::encodeName(data).toStdString(),
+                            feil);
+    byttet_ = !feil;
+    try {
+        k_.tilkobling.aapne(data);
+    } catch (const db::DbFeil& e) {
+        if (byttet_) return QString::fromStdString(e.what()) + QLatin1Char('.');
+    }
+    if (feil)
         return QStringLiteral("Kan ikke erstatte databasen %1: %2.").arg(data, QString::fromLocal8Bit(feil.message())) +
                Uendret;
-    }
-    try {
-        k.tilkobling.aapne(data);
-    } catch (const db::DbFeil& e) {
-        return QString::fromStdString(e.what()) +
-               QStringLiteral(". Databasen er erstattet med en tom kopi av malen, men ingenting er importert.");
-    }
     return std::nullopt;
+}
+
+std::optional<QString> ryddAvbruttImport(const Kontekst& k)
+{
+    bool fjernet = false;
+    for (const QString& f : nyeFiler(k))
+        if (QFile::exists(f)) fjernet = QFile::remove(f) || fjernet;
+    if (!fjernet) return std::nullopt;
+    return QStringLiteral("En import som ikke ble fullført, hadde latt en halvferdig database %1 ligge igjen. Den er "
+                          "fjernet; databasen %2 er som før den importen.")
+        .arg(k.sti(NyDataFil), k.sti(DataFil));
 }
 
 }  // namespace store

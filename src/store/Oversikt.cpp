@@ -1,6 +1,7 @@
 #include "store/Oversikt.h"
 
 #include "files/Tekstfil.h"
+#include "store/Radata.h"
 
 #include <algorithm>
 
@@ -9,6 +10,16 @@ namespace store {
 namespace {
 
 constexpr int MaksOverskriftsfelt = 29;  // one column letter each, A to Å
+constexpr int MaksNavn = 255;            // characters of a column name
+
+// Why a data line gives no row; empty when it gives one.
+QString hinder(Radatalinje& linje, Rad& rad)
+{
+    if (!linje.erDatalinje())
+        return QStringLiteral("den har %1 felt, men en datalinje har 4 til 13").arg(linje.felt().size());
+    if (const auto hopp = linje.tolk(rad)) return hoppTekst(*hopp);
+    return {};
+}
 
 }  // namespace
 
@@ -16,15 +27,28 @@ Oversikt sePaa(const QString& fil)
 {
     files::Linjeleser leser(fil);
     Oversikt o;
+    Radatalinje tolket;
+    Rad rad;
     for (std::string_view linje; leser.neste(linje);) {
         ++o.linjer;
         if (o.nullLinje == 0 && linje.find('\0') != std::string_view::npos) o.nullLinje = o.linjer;
         if (linje.empty()) continue;
         if (o.overskriftLinje == 0) {
             o.overskriftLinje = o.linjer;
-            o.overskriftFelt = std::count(linje.begin(), linje.end(), ',') + 1;
-        } else {
-            o.harData = true;
+            tolket.les(linje);
+            o.overskriftFelt = static_cast<qsizetype>(tolket.felt().size());
+            for (std::string_view f : tolket.felt())
+                o.lengsteNavn = std::max(o.lengsteNavn, static_cast<qsizetype>(f.size()));
+            continue;
+        }
+        ++o.datalinjer;
+        if (o.kanLagres) continue;
+        tolket.les(linje);
+        const QString h = hinder(tolket, rad);
+        o.kanLagres = h.isEmpty();
+        if (o.forsteDatalinje == 0) {
+            o.forsteDatalinje = o.linjer;
+            o.forsteHinder = h;
         }
     }
     return o;
@@ -42,10 +66,23 @@ std::optional<QString> innvending(const Oversikt& o, const QString& fil)
             .arg(fil)
             .arg(o.overskriftFelt)
             .arg(MaksOverskriftsfelt);
-    if (!o.harData)
+    if (o.lengsteNavn > MaksNavn)
+        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har et felt på %3 tegn, men et kolonnenavn kan "
+                              "ha høyst %4 tegn.")
+            .arg(o.overskriftLinje)
+            .arg(fil)
+            .arg(o.lengsteNavn)
+            .arg(MaksNavn);
+    if (o.datalinjer == 0)
         return QStringLiteral("Fila %1 har bare overskriftslinja (linje %2) og ingen datalinjer.")
             .arg(fil)
             .arg(o.overskriftLinje);
+    if (!o.kanLagres)
+        return QStringLiteral("Ingen av de %1 datalinjene i fila %2 kan lagres. Den første (linje %3): %4.")
+            .arg(o.datalinjer)
+            .arg(fil)
+            .arg(o.forsteDatalinje)
+            .arg(o.forsteHinder);
     return std::nullopt;
 }
 

@@ -12,7 +12,11 @@ struct Oversikt {
     int32_t linjer = 0;           // as TellLinjer counts them
     int32_t overskriftLinje = 0;  // 0: the file holds no non-empty line
     qsizetype overskriftFelt = 0;
-    bool harData = false;
+    qsizetype lengsteNavn = 0;  // characters of the header's longest field
+    int32_t datalinjer = 0;     // non-empty lines after the header
+    bool kanLagres = false;     // at least one data line gives a row
+    QString forsteHinder;       // why the first data line gives no row, while none does
+    int32_t forsteDatalinje = 0;
     int32_t nullLinje = 0;  // first line holding a NUL character: no text file
 };
 

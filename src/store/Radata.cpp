@@ -67,16 +67,19 @@ void Radatalinje::les(std::string_view raa)
     felt_.push_back(L.substr(start));
 }
 
-std::optional<Hopp> Radatalinje::tolk(Rad& rad) const
+std::optional<Hopp> Radatalinje::tolk(Rad& rad)
 {
     const std::string_view L(linje_);
+    forLite_ = {};
     if (L.substr(0, 22).find('\'') != std::string_view::npos) return Hopp{Hopp::Apostrof, L.substr(0, 22)};
     if (!lesDatoTid(L, rad.datoTid)) return Hopp{Hopp::UgyldigDatoTid, L.substr(0, 19)};
     rad.antall = static_cast<int>(felt_.size()) - 3;
     for (int i = 0; i < rad.antall; ++i) {
         const std::string_view felt = felt_[static_cast<size_t>(i) + 2];
         try {
-            rad.verdier[i] = vb::valLagret(felt);
+            bool forLite = false;
+            rad.verdier[i] = vb::valLagret(felt, &forLite);
+            if (forLite && forLite_.empty()) forLite_ = felt;
         } catch (const vb::Feil&) {
             return Hopp{Hopp::ForStortTall, felt};
         }

@@ -47,11 +47,15 @@ public:
     // Whether the line has the field count of a data line; other lines are passed over quietly.
     bool erDatalinje() const { return felt_.size() >= 4 && felt_.size() <= 13; }
     // The row of a data line, or why it cannot be stored (the row is then incomplete).
-    std::optional<Hopp> tolk(Rad& rad) const;
+    std::optional<Hopp> tolk(Rad& rad);
+    // The first value of the row just read that was too small for a double and is stored as 0;
+    // empty when there was none.
+    std::string_view forLite() const { return forLite_; }
 
 private:
     std::string linje_;
     std::vector<std::string_view> felt_;
+    std::string_view forLite_;
 };
 
 }  // namespace store

@@ -2,6 +2,7 @@
 #include "felles/Felles.h"
 #include "files/Oppsett.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
@@ -49,18 +50,57 @@ TEST(Tekstfiler, LeserLinjerOverBufferGrenser)
     EXPECT_TRUE(lest == ventet);
 }
 
-TEST(Tekstfiler, SkrivLatin1MedCrLf)
+TEST(Tekstfiler, SkrivLatin1MedCrLfGjennomTmpFil)
 {
     test::Programmappe m;
     const QString fil = m.sti("Oppsett.txt");
     SkrivTilFil(fil, QStringLiteral("Ø!å"));
     EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("\xD8!\xE5\r\n"));
-    SkrivTilFil(fil, QStringLiteral("ny"));
-    SkrivTilFilAppend(fil, QStringLiteral("to"));
-    EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("ny\r\nto\r\n"));
-    EXPECT_EQ(HentFraFil(fil), QStringLiteral("ny"));
+    {
+        // Until it is put in place, the old file stays; a file never put in place leaves nothing.
+        NyTekstfil ny(fil, kolonneLinjer({"Dato", "Tid", "CO2", "", "O2"}));
+        EXPECT_EQ(HentFraFil(fil), QStringLiteral("Ø!å"));
+        ny.erstatt();
+        NyTekstfil forlatt(m.sti("annen.txt"), {QStringLiteral("x")});
+    }
+    EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("CO2                    [C]\r\nO2                    [E]\r\n"));
+    EXPECT_EQ(QDir(m.mappe()).entryList(QDir::Files).filter(QStringLiteral(".tmp")), QStringList());
+    EXPECT_TRUE(kolonneLinjer({"Dato", "Tid"}).isEmpty());
     EXPECT_EQ(HentFraFil(m.sti("mangler.txt")), QString());
     EXPECT_THROW(SkrivTilFil(m.sti("ingen-mappe/x.txt"), QStringLiteral("x")), FilFeil);
+    // A write-protected file is not replaced behind the user's back.
+    QFile::setPermissions(fil, QFile::ReadOwner);
+    EXPECT_THROW(SkrivTilFil(fil, QStringLiteral("ny")), FilFeil);
+    EXPECT_EQ(HentFraFil(fil), QStringLiteral("CO2                    [C]"));
+}
+
+TEST(Tekstfiler, ForlatteTmpFilerFjernes)
+{
+    // A temporary file of a process that no longer runs goes; one of a running process stays.
+    test::Programmappe m;
+    const QString egen = QStringLiteral("Oppsett.txt.tmp%1").arg(QCoreApplication::applicationPid());
+    for (const QString& navn : {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("Oppsett.txt.tmp999999998"),
+                                egen, QStringLiteral("tmp123.txt")})
+        m.skriv(navn, "x");
+    RyddForlatteTmp(m.mappe());
+    EXPECT_EQ(QDir(m.mappe()).entryList({QStringLiteral("*tmp*")}, QDir::Files), QStringList({egen, "tmp123.txt"}));
+}
+
+TEST(Tekstfiler, LangeLinjerOgSpesialfilerAvvises)
+{
+    test::Programmappe m;
+    m.skriv("lang.txt", "kort\n" + QByteArray((1 << 20) + 1, 'x'));
+    Linjeleser leser(m.sti("lang.txt"));
+    std::string_view linje;
+    EXPECT_TRUE(leser.neste(linje));
+    try {
+        leser.neste(linje);
+        ADD_FAILURE() << "ingen feil for en linje over 1 MB";
+    } catch (const FilFeil& e) {
+        EXPECT_TRUE(QString::fromUtf8(e.what()).startsWith(QStringLiteral("Linje 2 i fila"))) << e.what();
+    }
+    EXPECT_THROW(Linjeleser(QStringLiteral("/dev/zero")), FilFeil);
+    EXPECT_THROW(Linjeleser(m.mappe()), FilFeil);
 }
 
 TEST(Tekstfiler, FilOgMappeFinnes)

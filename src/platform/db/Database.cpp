@@ -33,8 +33,19 @@ Database::~Database() { lukk(); }
 
 void Database::kast(const QString& hva) const
 {
-    const QString grunn = db_ ? QString::fromUtf8(sqlite3_errmsg(db_)) : QString();
-    throw DbFeil((hva + (grunn.isEmpty() ? QString() : QStringLiteral(": ") + grunn)).toStdString());
+    const QString g = grunn();
+    throw DbFeil((hva + (g.isEmpty() ? QString() : QStringLiteral(": ") + g)).toStdString());
+}
+
+QString Database::grunn() const
+{
+    if (!db_) return {};
+    const QString melding = QString::fromUtf8(sqlite3_errmsg(db_));
+    switch (sqlite3_errcode(db_)) {
+    case SQLITE_FULL: return QStringLiteral("disken er full (%1)").arg(melding);
+    case SQLITE_IOERR: return QStringLiteral("lese- eller skrivefeil på disken (%1)").arg(melding);
+    default: return melding;
+    }
 }
 
 void Database::apneFil(const QString& fil, int flagg)
@@ -85,6 +96,27 @@ void Database::lag(const QString& fil)
 {
     if (QFile::exists(fil)) throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
     apneFil(fil, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+}
+
+void Database::kopierTil(const QString& fil)
+{
+    if (!db_) throw DbFeil("Databasen er ikke åpen");
+    if (QFile::exists(fil)) throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
+    // The connection may not create files; an empty file is a new database to SQLite.
+    if (QFile tom(fil); !tom.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        throw DbFeil(QStringLiteral("Kan ikke lage databasen %1: %2").arg(fil, tom.errorString()).toStdString());
+    QString sti = fil;
+    sti.replace(QLatin1Char('\''), QStringLiteral("''"));
+    const QByteArray sql = QStringLiteral("ATTACH DATABASE '%1' AS kopi KEY '%2'; PRAGMA kopi.cipher_page_size = 4096; "
+                                          "SELECT sqlcipher_export('kopi'); DETACH DATABASE kopi;")
+                               .arg(sti, QLatin1String(Passord))
+                               .toUtf8();
+    if (sqlite3_exec(db_, sql.constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        const QString g = grunn();
+        sqlite3_exec(db_, "DETACH DATABASE kopi", nullptr, nullptr, nullptr);
+        QFile::remove(fil);
+        throw DbFeil(QStringLiteral("Kan ikke lage databasen %1: %2").arg(fil, g).toStdString());
+    }
 }
 
 void Database::lukk()

@@ -38,6 +38,9 @@ public:
     void aapne(const QString& fil);
     // Creates a new, empty keyed database file (the file must not exist).
     void lag(const QString& fil);
+    // Writes a copy of this database to a new file under the same key but with a salt of its own,
+    // so that no two database files share one. A half-written copy is removed on failure.
+    void kopierTil(const QString& fil);
     void lukk();
     bool erApen() const { return db_ != nullptr; }
     const QString& fil() const { return fil_; }
@@ -64,6 +67,8 @@ private:
     sqlite3* handle() const { return db_; }
     void apneFil(const QString& fil, int flagg);
     [[noreturn]] void kast(const QString& hva) const;
+    // The store's reason for the last failure, with a full disk and disk errors said plainly.
+    QString grunn() const;
 
     sqlite3* db_ = nullptr;
     QString fil_;

@@ -65,9 +65,7 @@ void Masseinnsetting::send(const std::function<Rad(size_t)>& kilde, size_t forst
     const int rc = sqlite3_step(s.stmt);
     sqlite3_reset(s.stmt);
     if (rc != SQLITE_DONE)
-        throw DbFeil(QStringLiteral("Databasen %1 avviste raden: %2")
-                         .arg(db_.fil(), QString::fromUtf8(sqlite3_errmsg(db_.handle())))
-                         .toStdString());
+        throw DbFeil(QStringLiteral("Databasen %1 avviste raden: %2").arg(db_.fil(), db_.grunn()).toStdString());
     lagret_ += antall;
 }
 

@@ -119,17 +119,49 @@ double tall(const QString& tekst)
     return x;
 }
 
-double val(std::string_view felt)
+namespace {
+
+// The order of magnitude of the unsigned number text at p: the place of its first non-zero
+// digit relative to the decimal point, plus its exponent part ("1500" 4, "0.0012E-3" -5).
+// Only its sign is used, to tell a number too large for a double from one too small.
+long long storrelsesorden(const char* p, const char* slutt)
 {
-    char buf[64];
-    size_t n = 0;
-    for (char c : felt) {
-        if (c == ' ' || c == '\t' || c == '\n' || c == '\r') continue;
-        if (n == sizeof buf) break;
-        buf[n++] = c;
+    long long foranPunkt = 0, nullerEtterPunkt = 0;
+    bool punkt = false, sifferSett = false;
+    for (; p != slutt && (*p == '.' || (*p >= '0' && *p <= '9')); ++p) {
+        if (*p == '.') {
+            punkt = true;
+        } else if (sifferSett || *p != '0') {
+            sifferSett = true;
+            if (!punkt) ++foranPunkt;
+        } else if (punkt) {
+            ++nullerEtterPunkt;
+        }
     }
-    const char* p = buf;
-    const char* slutt = buf + n;
+    long long eksponent = 0;
+    if (p != slutt && (*p == 'E' || *p == 'e') && ++p != slutt) {
+        const bool minus = *p == '-';
+        if (*p == '+' || *p == '-') ++p;
+        for (; p != slutt && *p >= '0' && *p <= '9' && eksponent < 1'000'000'000; ++p)
+            eksponent = eksponent * 10 + (*p - '0');
+        if (minus) eksponent = -eksponent;
+    }
+    return (foranPunkt > 0 ? foranPunkt : -nullerEtterPunkt) + eksponent;
+}
+
+}  // namespace
+
+double val(std::string_view felt, bool* forLite)
+{
+    // Blanks anywhere are skipped; a field without any is read where it stands.
+    std::string utenBlanke;
+    if (felt.find_first_of(" \t\n\r") != std::string_view::npos) {
+        for (char c : felt)
+            if (c != ' ' && c != '\t' && c != '\n' && c != '\r') utenBlanke += c;
+        felt = utenBlanke;
+    }
+    const char* p = felt.data();
+    const char* slutt = p + felt.size();
     bool negativ = false;
     if (p != slutt && (*p == '+' || *p == '-')) negativ = *p++ == '-';
     if (p == slutt) return 0;
@@ -138,20 +170,25 @@ double val(std::string_view felt)
     if (!siffer && !punktSiffer) return 0;
     double x = 0;
     auto res = std::from_chars(p, slutt, x, std::chars_format::general);
-    if (res.ec == std::errc::result_out_of_range) throw Feil(Overflyt);
+    if (res.ec == std::errc::result_out_of_range) {
+        if (storrelsesorden(p, slutt) > 0) throw Feil(Overflyt);
+        if (forLite) *forLite = true;
+        return 0;
+    }
     if (res.ec != std::errc()) return 0;
     return negativ ? -x : x;
 }
 
-double valLagret(std::string_view felt)
+double valLagret(std::string_view felt, bool* forLite)
 {
-    const double x = val(felt);
+    const double x = val(felt, forLite);
     // A field of at most 15 digits is read exactly as its 15-digit text would be.
     if (std::count_if(felt.begin(), felt.end(), [](char c) { return c >= '0' && c <= '9'; }) <= 15) return x;
     char buf[32];
     const auto skrevet = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::general, 15);
     double y = 0;
-    std::from_chars(buf, skrevet.ptr, y, std::chars_format::general);
+    // Rounding the largest doubles to 15 digits passes the range: they keep their own value.
+    if (std::from_chars(buf, skrevet.ptr, y, std::chars_format::general).ec != std::errc()) return x;
     return y;
 }
 

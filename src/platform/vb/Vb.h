@@ -36,12 +36,13 @@ double tall(const QString& tekst);
 inline float enkel(const QString& tekst) { return enkel(tall(tekst)); }
 inline int16_t heltall16(const QString& tekst) { return heltall16(tall(tekst)); }
 
-// Val of a field: blanks are skipped, then the longest decimal number at the start
+// Val of a field, read whole: blanks are skipped, then the longest decimal number at the start
 // is read ("." as decimal point, optional E and signed exponent); no number gives 0.
-double val(std::string_view felt);
+// Feil("Overflyt") for a number too large for a double; one too small gives 0 and sets *forLite.
+double val(std::string_view felt, bool* forLite = nullptr);
 // Val of a field as an insert statement stores it: the number written with at most
-// 15 significant digits and read back. Feil("Overflyt") for a number beyond double range.
-double valLagret(std::string_view felt);
+// 15 significant digits and read back.
+double valLagret(std::string_view felt, bool* forLite = nullptr);
 
 // A count in the pattern "# ### ###": digit places, groups of three, zero as two blanks.
 QString antallTekst(long long antall);
