@@ -4,6 +4,7 @@
 #include "store/Setninger.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace exports {
 
@@ -26,14 +27,39 @@ Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal)
     return {std::move(liste), Utfall::Ferdig};
 }
 
-QString sporPrefiks(Kontekst& k) { return k.dialogs.inndata(SporPrefiks, vb::dagensDatoTekst() + QLatin1Char('_')); }
+namespace {
 
-QString utFil(const Kontekst& k, const QString& navn)
+// Feil unless navn can name a file in Data_Bearbeidet: no path or reserved characters, and room
+// left in the file system's 255 bytes of a name for what an export puts after a prefix.
+void kontrollerFilnavn(const QString& navn, qsizetype plassEtter)
 {
     static const QString Ulovlige = QStringLiteral("\\/:*?\"<>|");
     for (const QChar c : navn)
         if (c.unicode() < 0x20 || Ulovlige.contains(c))
-            throw vb::Feil(QStringLiteral("Ugyldig filnavn: %1").arg(navn).toStdString());
+            throw vb::Feil(QStringLiteral("Ugyldig filnavn: %1 (tegnet «%2» kan ikke stå i et filnavn)")
+                               .arg(navn, c.unicode() < 0x20
+                                              ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
+                                              : QString(c))
+                               .toStdString());
+    if (QFile::encodeName(navn).size() + plassEtter > 255)
+        throw vb::Feil(QStringLiteral("Ugyldig filnavn: %1 (for langt)").arg(navn).toStdString());
+}
+
+// The longest ending an export puts after the prefix: "_Samlefil_32767.xlsx".
+constexpr qsizetype LengsteEtterPrefiks = 20;
+
+}  // namespace
+
+QString sporPrefiks(Kontekst& k)
+{
+    const QString prefiks = k.dialogs.inndata(SporPrefiks, vb::dagensDatoTekst() + QLatin1Char('_'));
+    kontrollerFilnavn(prefiks, LengsteEtterPrefiks);
+    return prefiks;
+}
+
+QString utFil(const Kontekst& k, const QString& navn)
+{
+    kontrollerFilnavn(navn, 0);
     return k.sti(UtMappe) + QLatin1Char('/') + navn;
 }
 

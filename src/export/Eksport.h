@@ -36,6 +36,8 @@ struct Forberedt {
 Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal);
 
 // Asks "Angi filnavn" proposing today's "ddmmyyyy_"; empty text when the user gives none.
+// Feil, before anything is written, when the answer cannot begin a file name (a path or
+// reserved character, or too long).
 QString sporPrefiks(Kontekst& k);
 
 // The combined template of the current adsorption/desorption choice.

@@ -91,8 +91,8 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
                                                        tall(n + 1) + QStringLiteral(")/2)"));
         rad = vb::pluss16(rad);
         fremdrift.rad(rad);
-        // An empty value never cuts.
-        if (!PosterEtter.erNull("F") && PosterEtter.tall("F") < static_cast<double>(startniva)) {
+        // An empty value never cuts; the value is compared in the start level's single precision.
+        if (!PosterEtter.erNull("F") && vb::enkel(PosterEtter.tall("F")) < startniva) {
             ark.settCelle(n, KolonneE, 0.0);
             break;
         }

@@ -6,6 +6,17 @@ namespace store {
 
 namespace {
 
+// K as it goes into a statement: one column letter, A to Å, or DbFeil. The letter comes from
+// Kolonner.txt, which anyone can edit.
+const QString& bokstav(const QString& K)
+{
+    static const QString Bokstaver = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZÆØÅ");
+    if (K.size() != 1 || !Bokstaver.contains(K[0]))
+        throw db::DbFeil(
+            QStringLiteral("Kolonnen «%1» i Kolonner.txt er ingen kolonnebokstav (A til Å)").arg(K).toStdString());
+    return K;
+}
+
 // "format(DatoTid, 'YYYYMMDDHHNNSS') " + op + " '" + time key + "'".
 QString tidsvilkar(const char* op, const vb::Dato& tid)
 {
@@ -18,7 +29,7 @@ QString tidsvilkar(const char* op, const vb::Dato& tid)
 QString ytterpunkt(const QString& K, const char* funksjon, const char* fraOp, const vb::Dato& fra, const vb::Dato& til)
 {
     const QString spenn = tidsvilkar(fraOp, fra) + QStringLiteral(" and ") + tidsvilkar("<", til);
-    return QStringLiteral("Select DatoTid from Datalinjer where ") + K + QStringLiteral(" = (Select ") +
+    return QStringLiteral("Select DatoTid from Datalinjer where ") + bokstav(K) + QStringLiteral(" = (Select ") +
            QLatin1String(funksjon) + QLatin1Char('(') + K + QStringLiteral(") from DataLinjer where ") + spenn +
            QStringLiteral(") and ") + spenn;
 }
@@ -65,13 +76,13 @@ void tomTabell(db::Database& d) { d.utfor(QStringLiteral("Delete from Datalinjer
 
 QString setning::minimum(const QString& K, const vb::Dato& sokStart)
 {
-    return QStringLiteral("Select min(") + K + QStringLiteral(") as Minimum from DataLinjer where ") +
+    return QStringLiteral("Select min(") + bokstav(K) + QStringLiteral(") as Minimum from DataLinjer where ") +
            tidsvilkar(">", sokStart);
 }
 
 QString setning::treff(const QString& K, const QString& terskel, const vb::Dato& sokStart)
 {
-    return QStringLiteral("Select DatoTid, ") + K + QStringLiteral(" as Verdi from Datalinjer where ") + K +
+    return QStringLiteral("Select DatoTid, ") + bokstav(K) + QStringLiteral(" as Verdi from Datalinjer where ") + K +
            QStringLiteral(" < ") + terskel + QStringLiteral(" and ") + tidsvilkar(">", sokStart) +
            QStringLiteral(" order by ID");
 }
@@ -99,7 +110,7 @@ long long antallRader(db::Database& d)
 
 db::Recordset kolonne(db::Database& d, const QString& K)
 {
-    return d.spor(QStringLiteral("Select ") + K + QStringLiteral(" from DataLinjer order by ID"));
+    return d.spor(QStringLiteral("Select ") + bokstav(K) + QStringLiteral(" from DataLinjer order by ID"));
 }
 
 std::optional<db::Recordset> forsteRad(db::Database& d)

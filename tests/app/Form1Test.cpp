@@ -5,6 +5,7 @@
 #include "platform/dialogs/SkriptDialogs.h"
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QFile>
 #include <QRadioButton>
 #include <gtest/gtest.h>
@@ -122,6 +123,22 @@ TEST(Oppstart, ManglendeDatabaseLagesOdelagtRoresIkke)
         EXPECT_FALSE(f.kontekst().tilkobling.erApen());
         EXPECT_EQ(s.mappe.les("Data.mdb"), innhold);
     }
+}
+
+TEST(Oppstart, ResterEtterEtDrepProgramFjernes)
+{
+    // An import killed half-way left its database and journal; a killed save left a temporary file.
+    Start s;
+    const QByteArray data = s.mappe.les("Data.mdb");
+    s.mappe.skriv("Data.mdb.import", "halvferdig");
+    s.mappe.skriv("Data.mdb.import-journal", "journal");
+    s.mappe.skriv("Oppsett.txt.tmp999999999", "halv");
+    app::Form1& f = s.start();
+    ASSERT_EQ(s.dialogs.meldinger().size(), 1);
+    EXPECT_TRUE(s.dialogs.meldinger()[0].startsWith(QStringLiteral("En import som ikke ble fullført")));
+    EXPECT_EQ(QDir(s.mappe.mappe()).entryList({"Data.mdb*", "*.tmp*"}, QDir::Files), QStringList{"Data.mdb"});
+    EXPECT_EQ(s.mappe.les("Data.mdb"), data);
+    EXPECT_TRUE(f.kontekst().tilkobling.erApen());
 }
 
 TEST(Vinduet, AdsorpsjonStyrerText1OgBareExitLagrer)

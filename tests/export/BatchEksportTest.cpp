@@ -26,7 +26,19 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
     r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "a/b"});
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.ut, QStringLiteral("Vil du lage excel-filer for 1 run?\n\n") + exports::FeilMelding + "\n\n");
-    EXPECT_EQ(r.feil, QStringLiteral("Ugyldig filnavn: a/b_2.xlsx\n"));
+    EXPECT_EQ(r.feil, QStringLiteral("Ugyldig filnavn: a/b (tegnet «/» kan ikke stå i et filnavn)\n"));
+
+    // A prefix that cannot begin a file name is refused before any workbook or template is written.
+    const QStringList utFor = utfiler();
+    const QByteArray samleMal = mappe.les(QStringLiteral("Mal_desorpsjon_areal_alle.xlsx"));
+    for (const QString& kommando : {"export-single", "export-combined", "integrate"})
+        for (const QString& prefiks : {QStringLiteral("a/b"), QStringLiteral("x\ty"), QString(240, QLatin1Char('p'))}) {
+            r = batch({"--set", "Text4=1", "--set", "Text6=2", kommando, "--prefix", prefiks});
+            EXPECT_EQ(r.status, 1) << kommando.toStdString();
+            EXPECT_TRUE((r.ut + r.feil).contains(QStringLiteral("Ugyldig filnavn: "))) << r.ut.toStdString();
+        }
+    EXPECT_EQ(utfiler(), utFor);
+    EXPECT_EQ(mappe.les(QStringLiteral("Mal_desorpsjon_areal_alle.xlsx")), samleMal);
 
     EXPECT_EQ(batch({"export-single", "--prefix", "Nei", "--no"}).status, 0);
     EXPECT_FALSE(QFile::exists(ut(QStringLiteral("Nei_1.xlsx"))));

@@ -12,21 +12,21 @@ namespace {
 constexpr int T1 = 10 * 60, T2 = 14 * 60, T3 = 18 * 60, T4 = 19 * 60 + 30;
 const QString MalAlle = QStringLiteral("Mal_desorpsjon_areal_alle.xlsx");
 
-// CO2 (column F): level 1 with a peak after each turning point. Cycle 1 falls to 0.5
+// CO2 (column F): level 0.1 with a peak after each turning point. Cycle 1 falls to 0.05
 // ten minutes after its turning point (the cut), cycle 2 comes back to exactly its start
-// level (no cut), cycle 3 has an empty value 3 minutes after and falls to 0.9 at 12;
-// cycle 4 has no start level.
+// level (no cut: 0.1 is not exact in single precision, and the start level is kept in it),
+// cycle 3 has an empty value 3 minutes after and falls to 0.09 at 12; cycle 4 has no start level.
 std::optional<double> co2(int m)
 {
     if (m == T4 - 25) return std::nullopt;
     for (int t : {T1, T2, T3}) {
         const int etter = m - t;
-        if (t == T1 && etter == 10) return 0.5;
+        if (t == T1 && etter == 10) return 0.05;
         if (t == T3 && etter == 3) return std::nullopt;
-        if (t == T3 && etter == 12) return 0.9;
+        if (t == T3 && etter == 12) return 0.09;
         if (etter >= 1 && etter <= 9) return 2.0 + (9 - etter) * 0.5;
     }
-    return 1.0;
+    return 0.1;
 }
 
 // The area of the CO2 peak above the start level over the written rows, by the trapezoid
@@ -87,7 +87,7 @@ TEST_F(Integrering, DelerRundtSnupunktetKuttOgArealer)
     EXPECT_EQ(en.tekster(
                   {"K2", "A3", "A28", "A29", "A39", "C30", "C39", "E39", "=F3", "=F4", "=F28", "=F29", "=F39", "=L17"}),
               QStringList({"35", tidTekst(35 * 60 + 9 * 3600), tidTekst(T1 * 60), tidTekst(T1 * 60),
-                           tidTekst((T1 + 10) * 60), "6", "0.5", "0", "=ABS((D3-D3)/2)", "=ABS((D4-D3)/2)",
+                           tidTekst((T1 + 10) * 60), "6", "0.05", "0", "=ABS((D3-D3)/2)", "=ABS((D4-D3)/2)",
                            "=ABS((D28-D27)/2)", "=ABS((D29-D30)/2)", "=ABS((D39-D40)/2)", "=SUM(G3:G39)"}));
     EXPECT_EQ(sisteRad(en), 39);
 

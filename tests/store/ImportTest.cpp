@@ -77,6 +77,8 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
                            u"Antall linjer importert:   2"_s}));
     EXPECT_EQ(label4(), u"  2"_s);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   1 poster i databasen"_s));
+    // A database of its own: the salt in its first 16 bytes is not the template's.
+    EXPECT_NE(mappe.les(Data).left(16), mappe.les(u"Template.mdb"_s).left(16));
 }
 
 TEST_F(Import, KolonnelisteOgLinjeslutt)
@@ -89,14 +91,18 @@ TEST_F(Import, KolonnelisteOgLinjeslutt)
     EXPECT_EQ(dialogs.meldinger().last(), u"1 datalinjer i fila "_s + testfil("felt.csv") +
                                               u" er hoppet over fordi de ikke har 4 til 13 felt:\nlinje 7: 14 felt"_s);
     // Every line end counts, empty lines too; a narrower line after a wider one leaves the rest empty.
-    ASSERT_EQ(importer(csv("Date,Time,CO2,N2,\r\n2012/11/23,14:00:01,1,2,\r2012/11/23,14:00:02,3,\n"
+    // A number too small for the store is kept as 0 and named.
+    ASSERT_EQ(importer(csv("Date,Time,CO2,N2,\r\n2012/11/23,14:00:01,1,2,\r2012/11/23,14:00:02,1E-400,\n"
                            "2012/11/23,14:00:03,4,5,\r\n\r\n\n")),
               Utfall::Ferdig);
-    EXPECT_EQ(dialogs.meldinger().last(), u"Antall linjer importert:   6"_s);
+    EXPECT_EQ(dialogs.meldinger().mid(dialogs.meldinger().size() - 2),
+              (QStringList{u"Antall linjer importert:   6"_s,
+                           u"1 datalinjer i fila "_s + mappe.sti(u"radata.csv"_s) +
+                               u" har tall som er for små til å lagres; de er lagret som 0:\nlinje 3: «1E-400»"_s}));
     EXPECT_EQ(
         lagret(u"where format(DatoTid, 'YYYYMMDDHHNNSS') > '20121123140001'"_s)
             .replaceInStrings(QRegularExpression(u"\\|.*\\|"_s), u"|"_s),
-        (QStringList{u"2012-11-23 14:00:02|3 - - - - - - - - -"_s, u"2012-11-23 14:00:03|4 5 - - - - - - - -"_s}));
+        (QStringList{u"2012-11-23 14:00:02|0 - - - - - - - - -"_s, u"2012-11-23 14:00:03|4 5 - - - - - - - -"_s}));
 }
 
 // The database keeps whether time follows the rows' order; either way a time-bounded select
@@ -180,6 +186,16 @@ TEST_F(Import, AvvisningerEndrerIngenting)
          u"er ikke en tekstfil: linje 1 inneholder nulltegn"_s},
         {"Date,Time" + QByteArray(",X").repeated(28) + "\r\n2012/11/23,14:05:31,1,\r\n",
          u"har 30 felt, men bare 29 felt kan få en kolonnebokstav (A til Å)"_s},
+        {"Date,Time,CO2" + QByteArray(300, 'x') + ",\r\n2012/11/23,14:05:31,1,\r\n",
+         u"(linje 1) i fila "_s + fil + u" har et felt på 303 tegn, men et kolonnenavn kan ha høyst 255 tegn"_s},
+        {"Date,Time,CO2,\r\n2012/11/23,14:05:31,1,\r\n" + QByteArray(2 << 20, '1'),
+         u"Linje 3 i fila "_s + fil + u" er lengre enn 1 MB"_s},
+        {"Date,Time,C,D,E,F,G,H,I,J,K,L,M,\r\n" +
+             QByteArray("2012/11/23,14:05:31,1,2,3,4,5,6,7,8,9,10,11,\r\n").repeated(3),
+         u"Ingen av de 3 datalinjene i fila "_s + fil +
+             u" kan lagres. Den første (linje 2): den har 14 felt, men en datalinje har 4 til 13."_s},
+        {"Date,Time,CO2,\r\n2012/11/23,14:05:61,1,\r\n",
+         u"Den første (linje 2): ugyldig dato eller klokkeslett «2012.11.23,14:05:61»."_s},
         {gyldig, u"Kan ikke åpne fila "_s + fil, [&] { QFile::remove(fil); }},  // gone after the question
         {gyldig, u"Finner ikke databasemalen "_s + mal + '.', [&] { QFile::remove(mal); }},
         {gyldig, u"Databasemalen "_s + mal + u" kan ikke brukes: "_s,
@@ -192,6 +208,12 @@ TEST_F(Import, AvvisningerEndrerIngenting)
         EXPECT_EQ(importer(csv(t.innhold), t.etterSporsmal ? std::optional(Svar::Ja) : std::nullopt), Utfall::Avvist);
         const QString m = dialogs.meldinger().last();
         EXPECT_TRUE(m.contains(t.grunn) && m.endsWith(u"Ingenting er importert, og databasen er uendret."_s)) << m;
+        forventUendret();
+    }
+    // What is no regular file is refused before it is read.
+    for (const QString& ikkeFil : {u"/dev/zero"_s, mappe.mappe()}) {
+        EXPECT_EQ(importer(ikkeFil, std::nullopt), Utfall::Avvist);
+        EXPECT_TRUE(dialogs.meldinger().last().contains(u"det er ingen vanlig fil"_s)) << dialogs.meldinger().last();
         forventUendret();
     }
 }

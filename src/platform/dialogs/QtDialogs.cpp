@@ -1,5 +1,6 @@
 #include "platform/dialogs/QtDialogs.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -9,8 +10,23 @@
 
 namespace dialogs {
 
+namespace {
+
+// The normal pointer over a box the user must answer, also in the middle of a busy command;
+// the busy pointer comes back when the box closes.
+class VanligPeker {
+public:
+    VanligPeker() { QApplication::setOverrideCursor(Qt::ArrowCursor); }
+    ~VanligPeker() { QApplication::restoreOverrideCursor(); }
+    VanligPeker(const VanligPeker&) = delete;
+    VanligPeker& operator=(const VanligPeker&) = delete;
+};
+
+}  // namespace
+
 Svar QtDialogs::melding(const QString& tekst, Knapper knapper, Ikon ikon, const QString& tittel)
 {
+    const VanligPeker peker;
     QMessageBox boks(eier_);
     boks.setWindowTitle(tittel);
     boks.setText(tekst);
@@ -30,6 +46,7 @@ Svar QtDialogs::melding(const QString& tekst, Knapper knapper, Ikon ikon, const 
 
 QString QtDialogs::inndata(const QString& sporsmal, const QString& tittel, const QString& forslag)
 {
+    const VanligPeker peker;
     QInputDialog boks(eier_);
     boks.setWindowTitle(tittel);
     boks.setLabelText(sporsmal);
@@ -54,6 +71,7 @@ QString QtDialogs::qtFilter(const QString& filter)
 
 QString QtDialogs::velgFil(const QString& filter)
 {
+    const VanligPeker peker;
     return QFileDialog::getOpenFileName(eier_, QStringLiteral("Åpne"), QString(), qtFilter(filter));
 }
 

@@ -47,6 +47,18 @@ TEST(Tall, ValSomLagret)
     EXPECT_EQ(valLagret("abc"), 0);
     EXPECT_EQ(valLagret("123456789012345678"), 123456789012346000.0);
     EXPECT_THROW(valLagret("1E999"), Feil);
+    // The whole field is read, however long; past the double range: too large refused, too small 0.
+    EXPECT_EQ(valLagret("1" + std::string(100, '0')), 1e100);
+    EXPECT_EQ(valLagret(" 1 " + std::string(80, '0') + "E-80"), 1);
+    EXPECT_EQ(valLagret("1.7976931348623157E+308"), 1.7976931348623157e308);
+    EXPECT_THROW(valLagret("0.000" + std::string(400, '9') + "E+312"), Feil);
+    EXPECT_EQ(valLagret("0.000" + std::string(400, '9') + "E+310"), 1e307);
+    for (const std::string& felt :
+         {std::string("1E-400"), std::string("-0.0000000001E-390"), "1" + std::string(20, '0') + "E-420"}) {
+        bool forLite = false;
+        EXPECT_EQ(valLagret(felt, &forLite), 0) << felt;
+        EXPECT_TRUE(forLite) << felt;
+    }
 }
 
 TEST(Tekster, AntallMonster)
