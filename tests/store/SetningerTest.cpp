@@ -58,6 +58,9 @@ TEST_F(Setninger, MinimumOgMaksimumHopperOverTommeFelt)
     EXPECT_EQ(store::minimum(db, QStringLiteral("C"), kl(4)), std::nullopt);
     EXPECT_EQ(store::maksTid(db, QStringLiteral("D"), kl(0), kl(10)), kl(4));
     EXPECT_EQ(store::snuPunkt(db, kl(0), kl(6), true, QStringLiteral("D")), kl(0));
+    // A "letter" from an edited Kolonner.txt that is none never reaches a statement.
+    for (const char* K : {"C) from DataLinjer; --", "", "c", "1"})
+        EXPECT_THROW(store::minimum(db, QString::fromUtf8(K), kl(0)), db::DbFeil) << K;
 }
 
 TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)
