@@ -33,12 +33,14 @@ void LesKolonner(Kontekst& k)
         return;  // an unreadable column list leaves the chooser empty, as a missing one does
     }
     k.vindu.settKolonner(linjer);
-    for (int i = 0; i < linjer.size(); ++i) {
-        if (linjer[i].contains(QStringLiteral("CO2"))) {
-            k.vindu.velgKolonne(i);
-            break;
-        }
-    }
+    if (const qsizetype i = forsteCo2(linjer); i >= 0) k.vindu.velgKolonne(static_cast<int>(i));
+}
+
+qsizetype forsteCo2(const QStringList& linjer)
+{
+    for (qsizetype i = 0; i < linjer.size(); ++i)
+        if (linjer[i].contains(QStringLiteral("CO2"))) return i;
+    return -1;
 }
 
 QString kolonneBokstav(int posisjon)

@@ -20,6 +20,8 @@ QString oppsettLinje(const dialogs::Vindu& vindu);
 
 // Fills the column chooser from Kolonner.txt and selects the first entry holding "CO2".
 void LesKolonner(Kontekst& k);
+// The place of that entry among the lines of Kolonner.txt; -1 when none holds "CO2".
+qsizetype forsteCo2(const QStringList& linjer);
 // Letter of header position 1..29: "A" .. "Z", "Æ", "Ø", "Å"; empty text past 29.
 QString kolonneBokstav(int posisjon);
 // A line of Kolonner.txt.

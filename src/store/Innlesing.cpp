@@ -1,6 +1,9 @@
 #include "store/Innlesing.h"
 
+#include "files/Oppsett.h"
+#include "files/Tekstfil.h"
 #include "store/Radlager.h"
+#include "store/Setninger.h"
 
 #include <chrono>
 
@@ -18,6 +21,16 @@ Innlesing::Innlesing(db::Database& d, files::Linjeleser& leser, const QString& f
 {
 }
 
+// The header is known before the first rows go in: the CO2 column the chooser will select gets
+// its time index now, kept up row by row, instead of being built by the first search.
+void Innlesing::lagTidsindeks(const QStringList& overskrift)
+{
+    overskrift_ = overskrift;
+    const QStringList linjer = files::kolonneLinjer(overskrift);
+    if (const qsizetype co2 = files::forsteCo2(linjer); co2 >= 0)
+        tidsindeksVedImport(db_, files::HentKode(linjer[co2]));
+}
+
 std::optional<QString> Innlesing::les()
 {
     Radlager lager(db_);
@@ -27,7 +40,7 @@ std::optional<QString> Innlesing::les()
         try {
             for (bool ferdig = false; !ferdig;) {
                 Blokk& b = leser.neste();
-                if (!b.overskrift.isEmpty()) overskrift_ = b.overskrift;
+                if (!b.overskrift.isEmpty()) lagTidsindeks(b.overskrift);
                 lager.settInn(b.rader.data(), b.antall, b.tidFolgerId);
                 linjeNr_ = b.linjeNr;
                 behandlet_ = b.behandlet;

@@ -31,6 +31,8 @@ public:
     std::optional<QString> merknad() const { return tolker_.merknad(); }
 
 private:
+    void lagTidsindeks(const QStringList& overskrift);
+
     db::Database& db_;
     Tolker tolker_;
     const QString fil_;

@@ -34,15 +34,23 @@ QString ytterpunkt(const QString& K, const char* funksjon, const char* fraOp, co
            QStringLiteral(") and ") + spenn;
 }
 
-void sikreTidsindeks(db::Database& d, const QString& K)
+// The time index of column K: (DatoTid, ID, K), which answers every time-bounded statement on K
+// without reading the table. Nothing for a letter that is no value column.
+QByteArray tidsindeks(const QString& K)
 {
     static const QStringList Verdikolonner = {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"};
-    if (!Verdikolonner.contains(K)) return;
+    if (!Verdikolonner.contains(K)) return {};
+    return QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
+        .arg(K)
+        .toLatin1();
+}
+
+void sikreTidsindeks(db::Database& d, const QString& K)
+{
+    const QByteArray indeks = tidsindeks(K);
+    if (indeks.isEmpty()) return;
     try {
-        d.utforSqlite(QStringLiteral("CREATE INDEX IF NOT EXISTS DataLinjer_Tid_%1 ON DataLinjer (DatoTid, ID, %1)")
-                          .arg(K)
-                          .toLatin1()
-                          .constData());
+        d.utforSqlite(indeks.constData());
     } catch (const db::DbFeil&) {
         // A database that cannot take the index (write-protected, disk full) is searched without it, only slower.
     }
@@ -73,6 +81,14 @@ void apneMaledata(db::Database& tilkobling, const QString& fil)
 }
 
 void tomTabell(db::Database& d) { d.utfor(QStringLiteral("Delete from Datalinjer")); }
+
+void tidsindeksVedImport(db::Database& d, const QString& K)
+{
+    const QByteArray indeks = tidsindeks(K);
+    if (indeks.isEmpty()) return;
+    d.utforSqlite("DROP INDEX IF EXISTS DataLinjer_DatoTid");
+    d.utforSqlite(indeks.constData());
+}
 
 QString setning::minimum(const QString& K, const vb::Dato& sokStart)
 {

@@ -19,6 +19,10 @@ void lagTomDatabase(const QString& fil);
 void apneMaledata(db::Database& tilkobling, const QString& fil);
 // "Delete from Datalinjer": empties the table of a fresh copy of the template.
 void tomTabell(db::Database& d);
+// Before an import's rows go in: the time index of column K (the CO2 column), kept up as the rows
+// arrive in time order, takes the place of the plain DatoTid index, which it covers. The first
+// search of that column then finds its index made. Nothing for a letter that is no value column.
+void tidsindeksVedImport(db::Database& d, const QString& K);
 // The import's insert of a row: DatoTid and DatoTid_Tekst as read, then the values C to L
 // (db::Masseinnsetting sends many rows in one statement).
 inline constexpr std::string_view RadInnsetting =
@@ -56,8 +60,9 @@ std::optional<vb::Dato> forsteTid(db::Database& d);
 bool harRader(db::Database& d);
 
 // Makes the column's time index when it is missing and keeps a large page cache while the
-// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made the first
-// time the column is searched and kept until the next import replaces Data.mdb. It holds all
+// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made by the
+// import for the CO2 column and otherwise the first time the column is searched, and kept until
+// the next import replaces Data.mdb. It holds all
 // that a search reads, so the minimum, the hit rows and each turning point come from it alone,
 // in time order, without the much wider table rows; the cache keeps it decrypted between them.
 // Other letters get no index, and a database that cannot take it is searched without it.
