@@ -7,12 +7,13 @@ set -euo pipefail
 HER=$(cd "$(dirname "$0")" && pwd)
 BUILD=$(realpath "$1")
 UT=$BUILD/office
-pakker=(libreoffice-calc-nogui python3-uno python3-openpyxl poppler-utils nodejs npm)
+pakker=(libreoffice-calc-nogui python3-uno python3-openpyxl poppler-utils)
+command -v npm >/dev/null || pakker+=(nodejs npm)  # a node installed otherwise is kept
 mangler=()
 for p in "${pakker[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || mangler+=("$p")
 done
-if [ ${#mangler[@]} -gt 0 ] && ! command -v node >/dev/null || [ ${#mangler[@]} -gt 2 ]; then
+if [ ${#mangler[@]} -gt 0 ]; then
   sudo=""; [ "$(id -u)" -eq 0 ] || sudo="sudo"
   $sudo apt-get update -qq
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${mangler[@]}"
