@@ -192,32 +192,60 @@ static void lukk(zip_t* z, const char* fil)
     if (zip_close(z) != 0) stopp(fil, "kan ikke skrives");
 }
 
+/* The error a template formula gives in an empty prepared row, by its cell ("B", 5); NULL
+ * where the formula's 0 is right. */
+typedef const char* (*Formelfeil)(const char* kolonne, int rad);
+
 /* libxlsxwriter caches 0 for every formula, also where the formula gives #N/A or #VALUE!
- * in the empty prepared rows. The cached values are left out, so a spreadsheet program
- * computes each formula itself instead of showing a wrong 0. */
-static void utenFormelverdier(const char* fil)
+ * in the empty prepared rows. Those cells get their true error value cached instead, so a
+ * spreadsheet program that trusts cached values shows what the formula gives. */
+static void sannFormelverdi(const char* fil, Formelfeil feil)
 {
     zip_t* z = apne(fil);
-    for (int nr = 1;; ++nr) {
-        char navn[64];
-        snprintf(navn, sizeof navn, "xl/worksheets/sheet%d.xml", nr);
-        char* xml = lesDel(z, navn);
-        if (!xml) break;
-        const char* bort = "</f><v>0</v>";
-        char* ut = xml;
-        for (char* p = xml; *p;) {
-            if (strncmp(p, bort, strlen(bort)) == 0) {
-                memcpy(ut, "</f>", 4);
-                ut += 4;
-                p += strlen(bort);
-            } else {
-                *ut++ = *p++;
-            }
+    char* xml = lesDel(z, "xl/worksheets/sheet1.xml");
+    if (!xml) stopp(fil, "mangler ark 1");
+    char* ut = malloc(strlen(xml) * 2 + 1);
+    char* u = ut;
+    const char* p = xml;
+    for (const char* c; (c = strstr(p, "<c r=\"")) != NULL;) {
+        const char* tagSlutt = strchr(c, '>');
+        const char* slutt = strstr(c, "</c>");
+        char kolonne[4] = {0};
+        int n = 0, rad = 0;
+        for (const char* q = c + 6; *q >= 'A' && *q <= 'Z' && n < 3; ++q) kolonne[n++] = *q;
+        rad = atoi(c + 6 + n);
+        const char* null = slutt ? strstr(tagSlutt, "</f><v>0</v>") : NULL;
+        const char* kode = null && null < slutt ? feil(kolonne, rad) : NULL;
+        if (!kode) {
+            size_t lengde = (size_t)((slutt ? slutt + 4 : tagSlutt + 1) - p);
+            memcpy(u, p, lengde);
+            u += lengde;
+            p += lengde;
+            continue;
         }
-        *ut = 0;
-        skrivDel(z, navn, xml, fil);
+        u += sprintf(u, "%.*s t=\"e\">%.*s</f><v>%s</v></c>", (int)(tagSlutt - p), p, (int)(null - tagSlutt - 1),
+                     tagSlutt + 1, kode);
+        p = slutt + 4;
     }
+    strcpy(u, p);
+    free(xml);
+    skrivDel(z, "xl/worksheets/sheet1.xml", ut, fil);
     lukk(z, fil);
+}
+
+/* Elapsed minutes (B) give #N/A without a time. */
+static const char* minuttfeil(const char* kolonne, int rad)
+{
+    (void)rad;
+    return strcmp(kolonne, "B") == 0 ? "#N/A" : NULL;
+}
+
+/* Integration sheet: B and the area elements from row 4 and their sum #N/A, the clock #VALUE!. */
+static const char* integreringsfeil(const char* kolonne, int rad)
+{
+    if (strcmp(kolonne, "H") == 0) return "#VALUE!";
+    if (strcmp(kolonne, "B") == 0 || (strcmp(kolonne, "G") == 0 && rad > 3) || strcmp(kolonne, "L") == 0) return "#N/A";
+    return NULL;
 }
 
 /* A package without a VBA part but with the macro-enabled workbook type, the
@@ -243,12 +271,12 @@ static void makroType(const char* fil)
     free(xml);
 }
 
-/* Closes the workbook and leaves out the formulas' cached values (see utenFormelverdier). */
-static void ferdig(lxw_workbook* bok, const char* fil)
+/* Closes the workbook and caches the true values of its formulas (see sannFormelverdi). */
+static void ferdig(lxw_workbook* bok, const char* fil, Formelfeil feil)
 {
     lxw_error f = workbook_close(bok);
     if (f != LXW_NO_ERROR) stopp(fil, lxw_strerror(f));
-    utenFormelverdier(fil);
+    if (feil) sannFormelverdi(fil, feil);
 }
 
 /* A data sheet printed in landscape, as wide as one page, with its heading rows on every
@@ -305,7 +333,7 @@ static void lagSykluser(const char* mappe)
     lxw_chart* andre = spredningsdiagram(bok, "Syklus – kanal D til K", "Minutter fra datastart");
     for (int k = 3; k <= 10; ++k) serie(andre, "Data", 1, SYKLUS_RADER, 1, k);
     plasser(grafer, 24, 1, andre, 1.8, 1.4);
-    ferdig(bok, sti(mappe, "Mal_Sykluser.xlsx"));
+    ferdig(bok, sti(mappe, "Mal_Sykluser.xlsx"), minuttfeil);
 }
 
 /* ---------------------------------------------------------------- Mal_Alle_*.xlsm */
@@ -339,7 +367,7 @@ static void lagSamlefil(const char* mappe, const char* fil, const char* tittel)
     chart_legend_set_position(d, LXW_CHART_LEGEND_RIGHT);
     for (int k = 1; k <= SAMLE_SYKLUSER; ++k) serie(d, "Sykluser", 1, SAMLE_SISTE_RAD - 1, 1, k + 1);
     plasser(graf, 1, 1, d, 2.2, 1.8);
-    ferdig(bok, navn);
+    ferdig(bok, navn, minuttfeil);
     makroType(navn);
 }
 
@@ -392,7 +420,7 @@ static void lagIntegrering(const char* mappe)
     lxw_chart* d = spredningsdiagram(bok, "CO2 – desorpsjonstopp", "Minutter fra datastart");
     chart_series_set_name(serie(d, "Integrering", 2, INTEGRERING_SISTE_RAD - 1, 1, 2), "CO2");
     plasser(graf, 1, 1, d, 1.8, 1.4);
-    ferdig(bok, sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"));
+    ferdig(bok, sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"), integreringsfeil);
 }
 
 /* ---------------------------------------------------------------- Mal_desorpsjon_areal_alle.xlsx */
@@ -421,7 +449,7 @@ static void lagArealer(const char* mappe)
     chart_series_set_values(serie, "Arealer", 1, 1, AREAL_SYKLUSER, 1);
     chart_series_set_name_range(serie, "Arealer", 0, 1);
     plasser(ark, 1, 3, d, 1.6, 1.4);
-    ferdig(bok, sti(mappe, "Mal_desorpsjon_areal_alle.xlsx"));
+    ferdig(bok, sti(mappe, "Mal_desorpsjon_areal_alle.xlsx"), NULL);
 }
 
 int main(int argc, char** argv)
