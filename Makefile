@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build run test bench clean
+.PHONY: all deps build run test bench check-office clean
 
 all: build
 
@@ -25,6 +25,10 @@ test: build
 
 bench: build
 	@bash bench/run.sh $(BUILD)
+
+# Independent spreadsheet readers over every kind of written workbook (not run by CI).
+check-office: build
+	@bash tests/office/sjekk_office.sh $(BUILD)
 
 clean:
 	rm -rf $(BUILD)

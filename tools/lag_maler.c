@@ -150,13 +150,144 @@ static lxw_workbook* ny(const char* fil)
     return workbook_new_opt(fil, &o);
 }
 
-static void ferdig(lxw_workbook* bok, const char* navn)
+/* ---------------------------------------------------------------- package edits after writing */
+
+static void stopp(const char* fil, const char* grunn)
+{
+    fprintf(stderr, "%s: %s\n", fil, grunn);
+    exit(1);
+}
+
+/* The text of a part of an open package, or NULL when it has no such part. */
+static char* lesDel(zip_t* z, const char* navn)
+{
+    zip_stat_t st;
+    zip_file_t* f = NULL;
+    if (zip_stat(z, navn, 0, &st) != 0 || !(f = zip_fopen(z, navn, 0))) return NULL;
+    char* xml = malloc(st.size + 1);
+    zip_fread(f, xml, st.size);
+    xml[st.size] = 0;
+    zip_fclose(f);
+    return xml;
+}
+
+/* Replaces the part's text; the package takes the buffer. */
+static void skrivDel(zip_t* z, const char* navn, char* xml, const char* fil)
+{
+    zip_source_t* kilde = zip_source_buffer(z, xml, strlen(xml), 1);
+    if (!kilde || zip_file_replace(z, (zip_uint64_t)zip_name_locate(z, navn, 0), kilde, 0) != 0)
+        stopp(fil, "kan ikke skrives");
+}
+
+static zip_t* apne(const char* fil)
+{
+    int feil = 0;
+    zip_t* z = zip_open(fil, 0, &feil);
+    if (!z) stopp(fil, "kan ikke åpnes");
+    return z;
+}
+
+static void lukk(zip_t* z, const char* fil)
+{
+    if (zip_close(z) != 0) stopp(fil, "kan ikke skrives");
+}
+
+/* The error a template formula gives in an empty prepared row, by its cell ("B", 5); NULL
+ * where the formula's 0 is right. */
+typedef const char* (*Formelfeil)(const char* kolonne, int rad);
+
+/* libxlsxwriter caches 0 for every formula, also where the formula gives #N/A or #VALUE!
+ * in the empty prepared rows. Those cells get their true error value cached instead, so a
+ * spreadsheet program that trusts cached values shows what the formula gives. */
+static void sannFormelverdi(const char* fil, Formelfeil feil)
+{
+    zip_t* z = apne(fil);
+    char* xml = lesDel(z, "xl/worksheets/sheet1.xml");
+    if (!xml) stopp(fil, "mangler ark 1");
+    char* ut = malloc(strlen(xml) * 2 + 1);
+    char* u = ut;
+    const char* p = xml;
+    for (const char* c; (c = strstr(p, "<c r=\"")) != NULL;) {
+        const char* tagSlutt = strchr(c, '>');
+        const char* slutt = strstr(c, "</c>");
+        char kolonne[4] = {0};
+        int n = 0, rad = 0;
+        for (const char* q = c + 6; *q >= 'A' && *q <= 'Z' && n < 3; ++q) kolonne[n++] = *q;
+        rad = atoi(c + 6 + n);
+        const char* null = slutt ? strstr(tagSlutt, "</f><v>0</v>") : NULL;
+        const char* kode = null && null < slutt ? feil(kolonne, rad) : NULL;
+        if (!kode) {
+            size_t lengde = (size_t)((slutt ? slutt + 4 : tagSlutt + 1) - p);
+            memcpy(u, p, lengde);
+            u += lengde;
+            p += lengde;
+            continue;
+        }
+        u += sprintf(u, "%.*s t=\"e\">%.*s</f><v>%s</v></c>", (int)(tagSlutt - p), p, (int)(null - tagSlutt - 1),
+                     tagSlutt + 1, kode);
+        p = slutt + 4;
+    }
+    strcpy(u, p);
+    free(xml);
+    skrivDel(z, "xl/worksheets/sheet1.xml", ut, fil);
+    lukk(z, fil);
+}
+
+/* Elapsed minutes (B) give #N/A without a time. */
+static const char* minuttfeil(const char* kolonne, int rad)
+{
+    (void)rad;
+    return strcmp(kolonne, "B") == 0 ? "#N/A" : NULL;
+}
+
+/* Integration sheet: B and the area elements from row 4 and their sum #N/A, the clock #VALUE!. */
+static const char* integreringsfeil(const char* kolonne, int rad)
+{
+    if (strcmp(kolonne, "H") == 0) return "#VALUE!";
+    if (strcmp(kolonne, "B") == 0 || (strcmp(kolonne, "G") == 0 && rad > 3) || strcmp(kolonne, "L") == 0) return "#N/A";
+    return NULL;
+}
+
+/* A package without a VBA part but with the macro-enabled workbook type, the
+ * form a macro-enabled template takes before anyone adds macros to it. */
+static void makroType(const char* fil)
+{
+    zip_t* z = apne(fil);
+    const char* navn = "[Content_Types].xml";
+    char* xml = lesDel(z, navn);
+    if (!xml) stopp(fil, "mangler typer");
+    const char* gammel = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+    const char* ny = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
+    char* p = strstr(xml, gammel);
+    if (!p) stopp(fil, "uventet innholdstype");
+    size_t lengde = strlen(xml) - strlen(gammel) + strlen(ny);
+    char* ut = malloc(lengde + 1);
+    size_t foran = (size_t)(p - xml);
+    memcpy(ut, xml, foran);
+    strcpy(ut + foran, ny);
+    strcat(ut, p + strlen(gammel));
+    skrivDel(z, navn, ut, fil);
+    lukk(z, fil);
+    free(xml);
+}
+
+/* Closes the workbook and caches the true values of its formulas (see sannFormelverdi). */
+static void ferdig(lxw_workbook* bok, const char* fil, Formelfeil feil)
 {
     lxw_error f = workbook_close(bok);
-    if (f != LXW_NO_ERROR) {
-        fprintf(stderr, "%s: %s\n", navn, lxw_strerror(f));
-        exit(1);
-    }
+    if (f != LXW_NO_ERROR) stopp(fil, lxw_strerror(f));
+    if (feil) sannFormelverdi(fil, feil);
+}
+
+/* A data sheet printed in landscape, as wide as one page, with its heading rows on every
+ * page. The print area covers the heading rows; an export stretches it down to the rows it
+ * writes, so a printed cycle has no empty prepared rows. */
+static void utskrift(lxw_worksheet* ark, int overskrifter, int sisteRad, int sisteKol)
+{
+    worksheet_set_landscape(ark);
+    worksheet_fit_to_pages(ark, 1, 0);
+    worksheet_repeat_rows(ark, 0, (lxw_row_t)(overskrifter - 1));
+    worksheet_print_area(ark, 0, 0, (lxw_row_t)sisteRad, (lxw_col_t)sisteKol);
 }
 
 static char* sti(const char* mappe, const char* navn)
@@ -189,6 +320,7 @@ static void lagSykluser(const char* mappe)
                                {11, 11, 14, NULL},  {13, 13, 16, NULL},     {14, 14, 10, NULL}};
     kolonner(data, bredder, 6);
     worksheet_freeze_panes(data, 1, 1);
+    utskrift(data, 1, 1, 14);
     for (int rad = 2; rad <= SYKLUS_RADER + 1; ++rad) {
         char f[1000];
         minuttformel(f, sizeof f, rad, 2, "$O$1");
@@ -201,52 +333,10 @@ static void lagSykluser(const char* mappe)
     lxw_chart* andre = spredningsdiagram(bok, "Syklus – kanal D til K", "Minutter fra datastart");
     for (int k = 3; k <= 10; ++k) serie(andre, "Data", 1, SYKLUS_RADER, 1, k);
     plasser(grafer, 24, 1, andre, 1.8, 1.4);
-    ferdig(bok, "Mal_Sykluser.xlsx");
+    ferdig(bok, sti(mappe, "Mal_Sykluser.xlsx"), minuttfeil);
 }
 
 /* ---------------------------------------------------------------- Mal_Alle_*.xlsm */
-
-/* A package without a VBA part but with the macro-enabled workbook type, the
- * form a macro-enabled template takes before anyone adds macros to it. */
-static void makroType(const char* fil)
-{
-    int feil = 0;
-    zip_t* z = zip_open(fil, 0, &feil);
-    if (!z) {
-        fprintf(stderr, "%s: kan ikke åpnes\n", fil);
-        exit(1);
-    }
-    const char* navn = "[Content_Types].xml";
-    zip_stat_t st;
-    zip_file_t* f = NULL;
-    if (zip_stat(z, navn, 0, &st) != 0 || !(f = zip_fopen(z, navn, 0))) {
-        fprintf(stderr, "%s: mangler typer\n", fil);
-        exit(1);
-    }
-    char* xml = malloc(st.size + 1);
-    zip_fread(f, xml, st.size);
-    xml[st.size] = 0;
-    zip_fclose(f);
-    const char* gammel = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
-    const char* ny = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
-    char* p = strstr(xml, gammel);
-    if (!p) {
-        fprintf(stderr, "%s: uventet innholdstype\n", fil);
-        exit(1);
-    }
-    size_t lengde = strlen(xml) - strlen(gammel) + strlen(ny);
-    char* ut = malloc(lengde + 1);
-    size_t foran = (size_t)(p - xml);
-    memcpy(ut, xml, foran);
-    strcpy(ut + foran, ny);
-    strcat(ut, p + strlen(gammel));
-    zip_source_t* kilde = zip_source_buffer(z, ut, strlen(ut), 1);
-    if (!kilde || zip_file_replace(z, (zip_uint64_t)zip_name_locate(z, navn, 0), kilde, 0) != 0 || zip_close(z) != 0) {
-        fprintf(stderr, "%s: kan ikke skrives\n", fil);
-        exit(1);
-    }
-    free(xml);
-}
 
 static void lagSamlefil(const char* mappe, const char* fil, const char* tittel)
 {
@@ -267,6 +357,7 @@ static void lagSamlefil(const char* mappe, const char* fil, const char* tittel)
     const Kolonne bredder[] = {{0, 0, 24, s.tekst}, {1, 1, 12, s.minutter}, {2, SAMLE_SYKLUSER + 1, 12, s.tall}};
     kolonner(data, bredder, 3);
     worksheet_freeze_panes(data, 1, 2);
+    utskrift(data, 1, 1, SAMLE_SYKLUSER + 1);
     for (int rad = 2; rad <= SAMLE_SISTE_RAD; ++rad) {
         char f[1000];
         minuttformel(f, sizeof f, rad, 2, NULL);
@@ -276,7 +367,7 @@ static void lagSamlefil(const char* mappe, const char* fil, const char* tittel)
     chart_legend_set_position(d, LXW_CHART_LEGEND_RIGHT);
     for (int k = 1; k <= SAMLE_SYKLUSER; ++k) serie(d, "Sykluser", 1, SAMLE_SISTE_RAD - 1, 1, k + 1);
     plasser(graf, 1, 1, d, 2.2, 1.8);
-    ferdig(bok, fil);
+    ferdig(bok, navn, minuttfeil);
     makroType(navn);
 }
 
@@ -304,6 +395,7 @@ static void lagIntegrering(const char* mappe)
                                {5, 6, 13, s.tall},  {7, 7, 12, NULL, 1},    {9, 10, 12, NULL},  {11, 11, 18, s.tall}};
     kolonner(data, bredder, 8);
     worksheet_freeze_panes(data, 2, 1);
+    utskrift(data, 2, 16, 11);
     for (int rad = 3; rad <= INTEGRERING_SISTE_RAD; ++rad) {
         char f[1000];
         lxw_row_t r = (lxw_row_t)(rad - 1);
@@ -328,7 +420,7 @@ static void lagIntegrering(const char* mappe)
     lxw_chart* d = spredningsdiagram(bok, "CO2 – desorpsjonstopp", "Minutter fra datastart");
     chart_series_set_name(serie(d, "Integrering", 2, INTEGRERING_SISTE_RAD - 1, 1, 2), "CO2");
     plasser(graf, 1, 1, d, 1.8, 1.4);
-    ferdig(bok, "Mal_Integrering_desorpsjon_Enkel.xlsx");
+    ferdig(bok, sti(mappe, "Mal_Integrering_desorpsjon_Enkel.xlsx"), integreringsfeil);
 }
 
 /* ---------------------------------------------------------------- Mal_desorpsjon_areal_alle.xlsx */
@@ -343,6 +435,7 @@ static void lagArealer(const char* mappe)
     worksheet_set_column(ark, 0, 0, 8, NULL);
     worksheet_set_column(ark, 1, 1, 18, s.tall);
     worksheet_freeze_panes(ark, 1, 0);
+    utskrift(ark, 1, AREAL_SYKLUSER, 15); /* the areas and the chart beside them */
     for (int k = 1; k <= AREAL_SYKLUSER; ++k) worksheet_write_number(ark, (lxw_row_t)k, 0, k, NULL);
 
     lxw_chart* d = workbook_add_chart(bok, LXW_CHART_COLUMN);
@@ -356,7 +449,7 @@ static void lagArealer(const char* mappe)
     chart_series_set_values(serie, "Arealer", 1, 1, AREAL_SYKLUSER, 1);
     chart_series_set_name_range(serie, "Arealer", 0, 1);
     plasser(ark, 1, 3, d, 1.6, 1.4);
-    ferdig(bok, "Mal_desorpsjon_areal_alle.xlsx");
+    ferdig(bok, sti(mappe, "Mal_desorpsjon_areal_alle.xlsx"), NULL);
 }
 
 int main(int argc, char** argv)

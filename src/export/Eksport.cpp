@@ -98,6 +98,20 @@ void Fremdrift::rad(long long rad)
     klokke_.restart();
 }
 
+void Udekket::merk(int syklus, int sisteRad, int dekket, const QString& fil)
+{
+    if (sisteRad <= dekket) return;
+    linjer_ << QStringLiteral("Syklus %1: rad %2–%3 i %4").arg(syklus).arg(dekket + 1).arg(sisteRad).arg(fil);
+}
+
+void Udekket::vis(dialogs::Dialogs& dialogs) const
+{
+    if (linjer_.isEmpty()) return;
+    dialogs.info(QStringLiteral("Malens diagrammer viser ikke alle radene som ble skrevet (diagramområdet er "
+                                "ikke én sammenhengende blokk og kan ikke utvides):\n") +
+                 linjer_.join(QLatin1Char('\n')));
+}
+
 double startForskyvning(const vb::Dato& start, const vb::Dato& t)
 {
     return static_cast<double>(vb::sekunderMellom(start, t)) / 60.0;

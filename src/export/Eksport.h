@@ -78,6 +78,19 @@ private:
     QElapsedTimer klokke_;
 };
 
+// Written rows that a template's charts cannot draw (see xlsx::Arbeidsark::fyllNed), noted per
+// cycle and shown in one information box when the export has ended, so no data is lost silently.
+class Udekket {
+public:
+    // Notes rows dekket + 1 to sisteRad of cycle syklus in file fil, when there are any.
+    void merk(int syklus, int sisteRad, int dekket, const QString& fil);
+    // The box, after the export's own final message; nothing when every row is drawn.
+    void vis(dialogs::Dialogs& dialogs) const;
+
+private:
+    QStringList linjer_;
+};
+
 // Minutes from the data start to t as a fraction: whole seconds / 60.
 double startForskyvning(const vb::Dato& start, const vb::Dato& t);
 

@@ -17,7 +17,7 @@ constexpr std::array<const char*, 9> Verdikolonner = {"C", "D", "E", "F", "G", "
 }  // namespace
 
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
-                  const vb::Dato& StartTid)
+                  const vb::Dato& StartTid, Udekket& udekket)
 {
     const QString mal = k.sti(MalSykluser);
     if (!files::FilFinnes(mal)) {
@@ -34,9 +34,10 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
     std::array<int, Verdikolonner.size()> felt{};
     for (size_t i = 0; i < felt.size(); ++i) felt[i] = Poster.kolonne(Verdikolonner[i]);
     const int tidTekst = Poster.kolonne("DatoTid_Tekst");
+    int16_t rad = 2;
     {
         Fremdrift fremdrift(k.vindu, SyklusNr);
-        for (int16_t rad = 2; !Poster.eof(); Poster.moveNext()) {
+        for (; !Poster.eof(); Poster.moveNext()) {
             data.settCelle(rad, 1,
                            Poster.erNull(tidTekst) ? xlsx::Verdi{} : xlsx::Verdi{Poster.tekst("DatoTid_Tekst")});
             for (size_t i = 0; i < felt.size(); ++i)
@@ -47,10 +48,13 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
         }
     }
 
+    const int dekket = data.fyllNed();
     xlsx::Arbeidsark& grafer = bok->ark(2);
     grafer.diagram(1).settKategoriMinimum(akseStart);
     grafer.diagram(2).settKategoriMinimum(akseStart);
-    bok->lagreSom(utFil(k, Filnavn + QLatin1Char('_') + QString::number(SyklusNr) + QStringLiteral(".xlsx")));
+    const QString fil = Filnavn + QLatin1Char('_') + QString::number(SyklusNr) + QStringLiteral(".xlsx");
+    bok->lagreSom(utFil(k, fil));
+    udekket.merk(SyklusNr, rad - 1, dekket, fil);
 }
 
 Utfall Command3_Click(Kontekst& k)
@@ -61,6 +65,7 @@ Utfall Command3_Click(Kontekst& k)
         const files::SnuPunkter& snupunkter = *snu;
         const QString prefiks = sporPrefiks(k);
         if (prefiks.isEmpty()) return Utfall::Ferdig;
+        Udekket udekket;
         {
             dialogs::Opptatt opptatt(k.vindu);
             const vb::Dato start = dataStart(k);
@@ -72,10 +77,11 @@ Utfall Command3_Click(Kontekst& k)
                 const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
                 if (vb::tall(k.vindu.forsteSyklus()) > syklus) continue;
                 auto poster = store::vinduRader(k.tilkobling, false, fra, til);
-                if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start);
+                if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start, udekket);
             }
         }
         k.dialogs.info(QStringLiteral("Eksporten er ferdig!"));
+        udekket.vis(k.dialogs);
         return Utfall::Ferdig;
     } catch (const std::exception& e) {
         return eksportFeil(k, e);

@@ -2,6 +2,7 @@
 // saved in Data_Bearbeidet as prefix + "_" + cycle + ".xlsx".
 #pragma once
 
+#include "export/Eksport.h"
 #include "platform/Kontekst.h"
 
 #include <cstdint>
@@ -12,8 +13,9 @@ Utfall Command3_Click(Kontekst& k);
 
 // Writes the rows of Poster (positioned on its first row) into a copy of the cycle template
 // and saves it for cycle SyklusNr. A missing template gives "Du mangler malfila" and writes
-// nothing; any other failure is thrown to the caller.
+// nothing; any other failure is thrown to the caller. Rows the template's charts cannot draw
+// are noted in udekket.
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
-                  const vb::Dato& StartTid);
+                  const vb::Dato& StartTid, Udekket& udekket);
 
 }  // namespace exports

@@ -44,7 +44,7 @@ int16_t minutter(Kontekst& k, const dialogs::Sporsmal& sporsmal)
 }  // namespace
 
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
-                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus)
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket)
 {
     if (!files::FilFinnes(k.sti(MalEnkel))) {
         k.dialogs.info(QStringLiteral("Du mangler malfila for enkeltsyklusene"));
@@ -97,21 +97,30 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
             break;
         }
     }
+    const int dekket = ark.fyllNed();  // the area elements of column G reach every written row
     ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
     samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
     for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
 
+    const int samleDekket = samleark.fyllNed();
+    const QString samleFil = SyklusNr < SisteSyklus
+                                 ? MalAlle
+                                 : Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx");
     if (SyklusNr < SisteSyklus) {
         samle->lagre();  // the template itself carries the areas on to the next cycle
     } else {
-        samle->lagreSom(utFil(k, Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx")));
+        samle->lagreSom(utFil(k, samleFil));
     }
     samle.reset();
-    integrering->lagreSom(utFil(k, Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx")));
+    udekket.merk(SyklusNr, SyklusNr + 1, samleDekket, samleFil);
+    const QString fil = Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx");
+    integrering->lagreSom(utFil(k, fil));
+    udekket.merk(SyklusNr, rad - 1, dekket, fil);
 }
 
 Utfall Command12_Click(Kontekst& k)
 {
+    Udekket udekket;
     try {
         const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
@@ -133,13 +142,14 @@ Utfall Command12_Click(Kontekst& k)
             auto posterEtter = store::vinduRader(k.tilkobling, true, snupunkt, snupunkt.leggTilMinutter(etter));
             if (!posterFor.eof())
                 LagIntegreringsfil(k, prefiks, posterFor, posterEtter, syklus, start,
-                                   vb::heltall16(k.vindu.sisteSyklus()));
+                                   vb::heltall16(k.vindu.sisteSyklus()), udekket);
         }
     } catch (const std::exception& e) {
         k.dialogs.info(FeilMelding + QStringLiteral("\n\n") + QString::fromStdString(e.what()));
         return Utfall::Avvist;
     }
     k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
+    udekket.vis(k.dialogs);
     return Utfall::Ferdig;
 }
 

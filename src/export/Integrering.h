@@ -4,6 +4,7 @@
 // in L17 is collected, one row per cycle, in the area summary.
 #pragma once
 
+#include "export/Eksport.h"
 #include "platform/Kontekst.h"
 
 namespace exports {
@@ -16,8 +17,9 @@ inline const dialogs::Sporsmal SporMinutterEtter{
 Utfall Command12_Click(Kontekst& k);
 
 // Writes and saves the integration workbook of one cycle and enters its area into the
-// summary. PosterFor is on its first row; PosterEtter on its first row or at its end.
+// summary. PosterFor is on its first row; PosterEtter on its first row or at its end. Rows the
+// templates' charts cannot draw are noted in udekket.
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
-                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus);
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket);
 
 }  // namespace exports

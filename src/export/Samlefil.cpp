@@ -59,6 +59,8 @@ Utfall Command5_Click(Kontekst& k)
         int16_t periode = 0;
         if (!k.vindu.adsorpsjon()) periode = vb::heltall16(k.dialogs.inndata(SporPeriode, QStringLiteral("140")));
 
+        Udekket udekket;
+        std::vector<std::pair<int, int>> sisteRader;  // cycle, its last written row
         const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
         for (int16_t syklus = 1; syklus <= siste;) {
             const vb::Dato snupunkt = liste.syklus(syklus);
@@ -86,20 +88,25 @@ Utfall Command5_Click(Kontekst& k)
                         }
                     }
                     for (int n = static_cast<int>(rad); n <= SisteRad; ++n) ark.tomCelle(n, kolonne);
+                    sisteRader.emplace_back(syklus, static_cast<int>(rad) - 1);
                 }
             }
             if (vb::tall(k.vindu.sisteSyklus()) == syklus) {
-                bok->lagreSom(utFil(k, prefiks + QStringLiteral("_Samlefil.xlsm")));
+                const int dekket = ark.fyllNed();
+                const QString fil = prefiks + QStringLiteral("_Samlefil.xlsm");
+                bok->lagreSom(utFil(k, fil));
+                for (const auto& [s, r] : sisteRader) udekket.merk(s, r, dekket, fil);
                 bok.reset();
                 break;
             }
             syklus = vb::pluss16(syklus);
         }
+        k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
+        udekket.vis(k.dialogs);
+        return Utfall::Ferdig;
     } catch (const std::exception& e) {
         return eksportFeil(k, e);
     }
-    k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
-    return Utfall::Ferdig;
 }
 
 }  // namespace exports

@@ -2,11 +2,13 @@
 
 #include "platform/xlsx/Ark.h"
 #include "platform/xlsx/Diagramdel.h"
+#include "platform/xlsx/Omrade.h"
 #include "platform/xlsx/Pakke.h"
 #include "platform/xlsx/Xml.h"
 
 #include <cstring>
 #include <map>
+#include <set>
 
 namespace xlsx {
 
@@ -84,12 +86,54 @@ public:
             for (auto& r : pakke_.relasjoner(tegning))
                 if (r.id == rid) del = r.maal;
         if (del.empty() || !pakke_.finnes(del)) throw XlsxFeil("Arket har ikke diagramobjekt nr " + std::to_string(nr));
+        return diagramdel(del);
+    }
+
+    int strekkOmrader(const std::string& arkSti, int sisteRad) override
+    {
+        int dekket = sisteRad;
+        for (size_t i = 0; i < ark_.size(); ++i) {
+            if (ark_[i].sti != arkSti) continue;
+            for (Diagramdel* d : alleDiagrammer()) d->strekkSerier(ark_[i].navn, sisteRad, dekket);
+            utskrift_[static_cast<int>(i)] = sisteRad;
+        }
+        return dekket;
+    }
+
+private:
+    Diagramdel& diagramdel(const std::string& del)
+    {
         auto& plass = diagrammer_[del];
         if (!plass) plass = std::make_unique<Diagramdel>(del, pakke_.lesDel(del));
         return *plass;
     }
 
-private:
+    // Every chart drawn on a worksheet of the workbook.
+    std::vector<Diagramdel*> alleDiagrammer()
+    {
+        std::vector<Diagramdel*> ut;
+        for (const ArkPlass& a : ark_)
+            for (const Relasjon& t : pakke_.relasjoner(a.sti))
+                if (t.type.ends_with("/drawing") && pakke_.finnes(t.maal))
+                    for (const Relasjon& r : pakke_.relasjoner(t.maal))
+                        if (r.type.ends_with("/chart") && pakke_.finnes(r.maal)) ut.push_back(&diagramdel(r.maal));
+        return ut;
+    }
+
+    // Print areas of the sheets stretched by strekkOmrader, in the workbook's defined names.
+    void strekkUtskrift(pugi::xml_node bok)
+    {
+        for (const pugi::xpath_node& x : bok.select_nodes("//*[local-name()='definedName']")) {
+            pugi::xml_node navn = x.node();
+            auto it = utskrift_.find(navn.attribute("localSheetId").as_int(-1));
+            if (std::string_view(navn.attribute("name").value()) != "_xlnm.Print_Area" || it == utskrift_.end())
+                continue;
+            int dekket = it->second;
+            const std::string ny = strekkOmrade(navn.child_value(), ark_[it->first].navn, it->second, dekket);
+            if (!ny.empty()) navn.text().set(ny.c_str());
+        }
+    }
+
     void lesStruktur()
     {
         for (auto& r : pakke_.relasjoner(""))
@@ -108,7 +152,7 @@ private:
         pakke_.lesXml(bokSti_, d);
         for (auto x : d.select_nodes("//*[local-name()='sheets']/*[local-name()='sheet']")) {
             auto it = arkAvId.find(relId(x.node()));
-            if (it != arkAvId.end()) ark_.push_back({it->second, nullptr});
+            if (it != arkAvId.end()) ark_.push_back({it->second, x.node().attribute("name").value(), nullptr});
         }
     }
 
@@ -117,12 +161,17 @@ private:
     {
         Endringer e;
         bool formlerEndret = false, beregn = false;
+        std::set<std::string> endredeArk;
         for (auto& a : ark_) {
             if (!a.ark || !a.ark->endret()) continue;
             e.nye[a.sti] = a.ark->skriv();
+            endredeArk.insert(a.navn);
             formlerEndret |= a.ark->formlerEndret();
             beregn |= a.ark->harFormler() || a.ark->formlerEndret();
         }
+        // Charts over changed cells would otherwise show the values they were saved with.
+        if (!endredeArk.empty())
+            for (Diagramdel* d : alleDiagrammer()) d->slippBuffere(endredeArk);
         for (auto& [del, d] : diagrammer_)
             if (d->endret()) e.nye[del] = d->skriv();
 
@@ -132,10 +181,11 @@ private:
             e.borte.insert(beregningskjede_);
             pakke_.fjernRelasjoner(bokSti_, "/calcChain", e);
         }
-        if (beregn) {
+        if (beregn || !utskrift_.empty()) {
             pugi::xml_document d;
             pakke_.lesXml(bokSti_, d);
-            settBeregnVedLasting(d.document_element());
+            if (beregn) settBeregnVedLasting(d.document_element());
+            strekkUtskrift(d.document_element());
             e.nye[bokSti_] = skrivXml(d);
         }
         pakke_.settInnholdstyper(bokSti_, sti.endsWith(QLatin1String(".xlsm"), Qt::CaseInsensitive), e);
@@ -166,7 +216,7 @@ private:
     void skriv(const QString& sti) { pakke_.skriv(sti.toStdString(), endringer(sti)); }
 
     struct ArkPlass {
-        std::string sti;
+        std::string sti, navn;
         std::unique_ptr<Ark> ark;
     };
 
@@ -177,6 +227,7 @@ private:
     std::map<std::string, std::unique_ptr<Diagramdel>> diagrammer_;
     std::vector<std::string> delte_;
     bool delteLest_ = false;
+    std::map<int, int> utskrift_;  // sheet position from 0 -> the row its print area reaches
 };
 
 }  // namespace

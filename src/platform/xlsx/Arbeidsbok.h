@@ -47,6 +47,13 @@ public:
     virtual void tomRad(int rad) = 0;
     // The chart of chart object nr (from 1) on this sheet.
     virtual Diagram& diagram(int nr) = 0;
+    // Carries the template down to the last row that was given a value, as a user filling down
+    // would: a formula run of two or more rows down a column that ends above that row is filled
+    // down to it, and the multi-row ranges over this sheet that end above it (the series of the
+    // workbook's charts, the sheet's print area) are stretched to it. Returns the last of the
+    // written rows that every chart draws: the last written row itself, unless a chart refers to
+    // the sheet with a union of blocks, which cannot be stretched. 0 when nothing was written.
+    virtual int fyllNed() = 0;
 };
 
 class Arbeidsbok {

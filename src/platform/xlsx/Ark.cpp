@@ -73,6 +73,7 @@ void Ark::last()
            "Ødelagt ark: " + sti_, true);
     foran_ = xml.substr(0, start);
     bak_ = xml.substr(slutt);
+    lesKolonnestiler();
 
     // A shared formula's first cell; its parse serves every cell of the group, since a parse
     // is independent of the cell it stands in.
@@ -88,6 +89,8 @@ void Ark::last()
         radNr = r.attribute("r") ? r.attribute("r").as_int() : radNr + 1;
         Rad& rad = rader_[radNr];
         attributter(rad.attr, r, {"r", "spans"});
+        if (r.attribute("customFormat").as_bool() && r.attribute("s"))
+            rad.stil = static_cast<long>(r.attribute("s").as_uint());
         int kolNr = 0;
         for (pugi::xml_node c = r.first_child(); c; c = c.next_sibling()) {
             if (c.type() != pugi::node_element || lokaltNavn(c.name()) != "c") continue;
@@ -160,6 +163,29 @@ void Ark::last()
     sist_ = rader_.end();
 }
 
+void Ark::lesKolonnestiler()
+{
+    const std::string apne = "<" + ns_ + "cols>", lukk = "</" + ns_ + "cols>";
+    const size_t a = foran_.find(apne);
+    const size_t e = a == std::string::npos ? a : foran_.find(lukk, a);
+    if (e == std::string::npos) return;
+    pugi::xml_document d;
+    lesXml(d, std::string_view(foran_).substr(a, e + lukk.size() - a), pugi::parse_default, "Ødelagt ark: " + sti_,
+           true);
+    for (pugi::xml_node c : d.first_child().children())
+        if (lokaltNavn(c.name()) == "col" && c.attribute("style"))
+            kolonnestiler_.push_back({c.attribute("min").as_int(), c.attribute("max").as_int(),
+                                      static_cast<long>(c.attribute("style").as_uint())});
+}
+
+long Ark::nyStil(const Rad& rad, int kol) const
+{
+    if (rad.stil >= 0) return rad.stil;
+    for (const Kolonnestil& k : kolonnestiler_)
+        if (k.fra <= kol && kol <= k.til) return k.stil;
+    return -1;
+}
+
 formel::Tolkelager& Ark::tolkelager()
 {
     static formel::Tolkelager lager;
@@ -189,14 +215,13 @@ Ark::Celle& Ark::hent(int rad, int kol)
                                                                : rader_.try_emplace(rad).first;
     auto& v = sist_->second.celler;
     if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size()));  // rows fill up cell by cell
-    if (v.empty() || v.back().kol < kol) {
-        v.emplace_back().kol = kol;
-        return v.back();
-    }
-    auto it = std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
+    auto it = v.empty() || v.back().kol < kol
+                  ? v.end()
+                  : std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
     if (it == v.end() || it->kol != kol) {
         it = v.insert(it, Celle{});
         it->kol = kol;
+        it->stil = nyStil(sist_->second, kol);
     }
     return *it;
 }
@@ -229,6 +254,7 @@ void Ark::settCelle(int rad, int kolonne, const Verdi& verdi)
     }
     Celle& c = hent(rad, kolonne);
     fjernFormel(c);
+    sisteSkrevne_ = std::max(sisteSkrevne_, rad);
     if (const double* x = std::get_if<double>(&verdi)) {
         if (std::isfinite(*x)) {
             c.art = Celle::Tall;
@@ -299,6 +325,44 @@ Verdi Ark::celle(int rad, int kolonne)
     case Resultat::Tall:
     case Resultat::Logisk: return r.tall;
     default: return QString::fromStdString(r.tekst);
+    }
+}
+
+int Ark::fyllNed()
+{
+    last();
+    if (sisteSkrevne_ == 0) return 0;
+    fyllFormlerNed(sisteSkrevne_);
+    return bok_.strekkOmrader(sti_, sisteSkrevne_);
+}
+
+// The last formula of each column is filled down when the cell above it holds the same formula
+// (relative references shifted); cells that hold a value keep it.
+void Ark::fyllFormlerNed(int sisteRad)
+{
+    std::map<int, std::pair<int, Celle*>> siste;  // column -> the row and cell of its last formula
+    for (auto& [nr, rad] : rader_)
+        for (Celle& c : rad.celler)
+            if (c.formel) siste[c.kol] = {nr, &c};
+    for (auto& [kol, plass] : siste) {
+        auto [nr, forbilde] = plass;
+        Celle* over = finn(nr - 1, kol);
+        if (nr >= sisteRad || !over || !over->formel) continue;
+        for (Celle* c : {over, forbilde})
+            if (!c->formel->tre) c->formel->tre = tolkelager().hent(c->formel->tekst, c->formel->rad, kol);
+        if (over->formel->tre != forbilde->formel->tre) continue;
+        endring();
+        formlerEndret_ = true;
+        for (int r = nr + 1; r <= sisteRad; ++r) {
+            Celle& c = hent(r, kol);
+            if (c.formel || c.art != Celle::Tom) continue;
+            c.stil = forbilde->stil;
+            c.formel = std::make_unique<FormelDel>();
+            c.formel->rad = r;
+            c.formel->tekst = formel::flytt(forbilde->formel->tekst, r - nr, 0);
+            c.formel->tre = forbilde->formel->tre;
+            ++antallFormler_;
+        }
     }
 }
 

@@ -21,6 +21,9 @@ public:
     virtual std::string lesDel(const std::string& sti) = 0;
     virtual const std::string& deltTekst(long indeks) = 0;
     virtual Diagram& diagram(const std::string& arkSti, int nr) = 0;
+    // Stretches the chart series and the print area over the sheet down to sisteRad; returns the
+    // last row up to which every chart series over the sheet reaches (see Arbeidsark::fyllNed).
+    virtual int strekkOmrader(const std::string& arkSti, int sisteRad) = 0;
 };
 
 class Ark final : public Arbeidsark {
@@ -33,6 +36,7 @@ public:
     void tomCelle(int rad, int kolonne) override;
     void tomRad(int rad) override;
     Diagram& diagram(int nr) override { return bok_.diagram(sti_, nr); }
+    int fyllNed() override;
 
     bool endret() const { return endret_; }
     // A formula was set, overwritten or removed since opening.
@@ -66,7 +70,13 @@ private:
     };
     struct Rad {
         std::string attr;  // attributes of <row> but r and spans, raw
+        long stil = -1;    // the row's own cell format, which new cells of the row take
         std::vector<Celle> celler;
+    };
+    // The cell format of a block of columns (<col min max style>).
+    struct Kolonnestil {
+        int fra, til;
+        long stil;
     };
 
     // The sheet as the evaluator sees it.
@@ -85,6 +95,10 @@ private:
     void last();
     Celle* finn(int rad, int kol);
     Celle& hent(int rad, int kol);
+    // The format a new cell takes: its row's, else its column's, as when a user types into it.
+    long nyStil(const Rad& rad, int kol) const;
+    void lesKolonnestiler();
+    void fyllFormlerNed(int sisteRad);
     void fjernFormel(Celle& c);
     void endring()
     {
@@ -103,6 +117,8 @@ private:
     bool endret_ = false;
     bool formlerEndret_ = false;
     long antallFormler_ = 0;
+    int sisteSkrevne_ = 0;  // the last row given a value
+    std::vector<Kolonnestil> kolonnestiler_;
     uint64_t gen_ = 1;
     std::string foran_, bak_;  // the XML around the cell data
     std::string ns_;           // prefix of the sheet's elements ("" or "x:")

@@ -1,10 +1,12 @@
 #include "platform/xlsx/Diagramdel.h"
 
 #include "platform/xlsx/Formel.h"
+#include "platform/xlsx/Omrade.h"
 #include "platform/xlsx/Xml.h"
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cstring>
 
 namespace xlsx {
@@ -166,6 +168,39 @@ void Diagramdel::settKategoriMinimum(double minimum)
     formel::leggTilTall(tall, minimum);
     min.attribute("val") = tall.c_str();
     endret_ = true;
+}
+
+pugi::xpath_node_set Diagramdel::serieformler() const
+{
+    return doc_.select_nodes("//*[local-name()='ser']//*[local-name()='f']");
+}
+
+void Diagramdel::strekkSerier(const std::string& ark, int sisteRad, int& dekket)
+{
+    for (const pugi::xpath_node& f : serieformler()) {
+        const std::string ny = strekkOmrade(f.node().child_value(), ark, sisteRad, dekket);
+        if (ny.empty()) continue;
+        f.node().text().set(ny.c_str());
+        endret_ = true;
+    }
+}
+
+void Diagramdel::slippBuffere(const std::set<std::string>& ark)
+{
+    for (const pugi::xpath_node& f : serieformler()) {
+        const std::vector<Omrade> blokker = lesOmrader(f.node().child_value());
+        if (std::none_of(blokker.begin(), blokker.end(), [&](const Omrade& o) { return ark.count(o.ark) > 0; }))
+            continue;
+        pugi::xml_node ref = f.node().parent();
+        for (pugi::xml_node b = ref.first_child(); b;) {
+            pugi::xml_node neste = b.next_sibling();
+            if (std::string_view(b.name()).ends_with("Cache")) {
+                ref.remove_child(b);
+                endret_ = true;
+            }
+            b = neste;
+        }
+    }
 }
 
 std::string Diagramdel::skriv() const { return skrivXml(doc_); }

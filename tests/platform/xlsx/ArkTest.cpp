@@ -14,6 +14,7 @@ struct EttArk : Bokdeler {
     std::string lesDel(const std::string&) override { return xml; }
     const std::string& deltTekst(long i) override { return delte.at(static_cast<size_t>(i)); }
     Diagram& diagram(const std::string&, int) override { throw XlsxFeil("ingen tegning"); }
+    int strekkOmrader(const std::string&, int sisteRad) override { return sisteRad; }
 };
 
 const std::string ns = "xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"";
