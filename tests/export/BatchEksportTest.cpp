@@ -44,6 +44,43 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
     EXPECT_FALSE(QFile::exists(ut(QStringLiteral("Nei_1.xlsx"))));
 }
 
+// Settings and files a user or another program spoiled: each export ends with its message and
+// writes nothing.
+TEST_F(Batch, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
+{
+    rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
+    const QStringList mange(40000, QStringLiteral("23.11.2012 00:10:00"));
+    const struct {
+        QStringList valg;
+        QByteArray snupunkter;
+        int status = 1;  // an empty range of cycles is no error: nothing to write
+    } tilfeller[] = {
+        {{"--set", "Text6=abc"}, "23.11.2012 00:10:00"},
+        {{"--set", "Text6=-5", "--set", "Text4=-7"}, "23.11.2012 00:10:00", 0},
+        {{"--set", "Text6=99999"}, "23.11.2012 00:10:00"},
+        {{"--set", "Text6=1E300"}, "23.11.2012 00:10:00"},
+        {{"--set", "Text1=1E300"}, "23.11.2012 00:10:00"},
+        {{"--set", "Text6=2"}, ""},
+        {{"--set", "Text6=2"}, "\x01\xff!!"},
+        {{"--set", "Text6=2"}, "31.02.2012 00:10:00"},
+        {{"--set", "Text6=40000"}, mange.join(QLatin1Char('!')).toLatin1()},
+    };
+    for (const auto& t : tilfeller) {
+        mappe.skriv(QStringLiteral("SnuPunkter.txt"), t.snupunkter);
+        for (const QString& kommando : {"export-single", "export-combined", "integrate"}) {
+            const auto r = batch(t.valg + QStringList{kommando, "--prefix", "X"});
+            EXPECT_EQ(r.status, t.status) << t.valg.join(' ').toStdString() << ' ' << kommando.toStdString();
+        }
+    }
+    EXPECT_EQ(utfiler(), QStringList());
+    // An output folder that is a file is left as it is.
+    QDir(ut(QString())).removeRecursively();
+    mappe.skriv(QStringLiteral("Data_Bearbeidet"), "fil");
+    mappe.skriv(QStringLiteral("SnuPunkter.txt"), "23.11.2012 00:10:00");
+    EXPECT_EQ(batch({"export-single", "--prefix", "X"}).status, 1);
+    EXPECT_EQ(mappe.les(QStringLiteral("Data_Bearbeidet")), "fil");
+}
+
 TEST_F(Batch, UtfallOgBruksfeil)
 {
     auto r = batch({"export-single", "--prefix", "P"});

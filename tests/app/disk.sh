@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# A full disk, made as a small tmpfs in a private mount namespace: the import, the turning
-# points, the settings and an export each end with a message, and nothing already on the disk
-# is lost or left half-written. Exit 77 (skipped) where the namespace cannot be made.
+# A full disk and then a read-only one, made as a small tmpfs in a private mount namespace: the
+# import, the turning points, the settings and an export each end with a message, and nothing
+# already on the disk is lost or left half-written. Exit 77 (skipped) where the namespace cannot
+# be made.
 set -euo pipefail
 BATCH="$1" DIST="$2" CSV="$3"
 if [ "${4:-}" != --inne ]; then
@@ -50,4 +51,12 @@ siste=0; kjor --adsorption auto-search --start 50 --apply || siste=$?; forvent 1
 uendret Data.mdb Kolonner.txt Oppsett.txt SnuPunkter.txt Mal_Sykluser.xlsx
 rm -f "$disk"/fyll*
 siste=0; kjor status || siste=$?; forvent 0 "Text4=1"
+
+# A program folder that cannot be written: every command that writes says so; nothing changes.
+mount -o remount,ro "$disk"
+siste=0; kjor import "$CSV" || siste=$?; forvent 1 "Ingenting er importert, og databasen er uendret."
+siste=0; kjor --save-settings --set Text4=2 status || siste=$?; forvent 1 "Innstillingene ble ikke lagret"
+siste=0; kjor export-single --prefix Les || siste=$?; forvent 1 "Det har oppstått en feil"
+siste=0; kjor --adsorption find-cycles --start 50 --apply || siste=$?; forvent 1 "Det oppstod en feil i denne rutinen"
+uendret Data.mdb Kolonner.txt Oppsett.txt SnuPunkter.txt Mal_Sykluser.xlsx
 exit $feil
