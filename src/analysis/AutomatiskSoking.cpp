@@ -102,7 +102,7 @@ Utfall sokAutomatisk(Kontekst& k)
         const dialogs::Opptatt skriver(k.vindu);
         for (const Gruppe& g : grupper)
             S.push_back(store::snuPunkt(k.tilkobling, g.start, g.slutt, k.vindu.adsorpsjon(), K));
-        files::skrivSnuPunkter(k, S);
+        files::skrivSnuPunkter(k, S, {sokStart, valgt->T});
     }
     return Utfall::Ferdig;
 }

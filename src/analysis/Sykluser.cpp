@@ -79,7 +79,7 @@ Utfall finnSykluser(Kontekst& k)
     const QString W = ads ? QStringLiteral("mindre") : QStringLiteral("større");
     const int64_t M = vb::minutterMellom(dataStartTid, F);
     foreslaVerdier(k, N, W, vb::tekst(V), F, M, I);
-    files::skrivSnuPunkter(k, S);
+    files::skrivSnuPunkter(k, S, {sokStart, V});
     return Utfall::Ferdig;
 }
 

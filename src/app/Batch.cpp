@@ -113,14 +113,31 @@ Utfall automatiskSoking(Form1& f, Argumenter& a, SkriptDialogs& d)
     return sok(f, a, d, QStringLiteral("--cycles"), analysis::SporAntallSykluser, &Form1::Command11_Click);
 }
 
+// A number argument in minutes, "," or "." as decimal separator.
+std::optional<double> minutter(Argumenter& a, const QString& navn)
+{
+    const auto v = a.verdi(navn);
+    if (!v) return std::nullopt;
+    try {
+        return vb::tall(*v);
+    } catch (const vb::Feil&) {
+        throw BrukFeil{navn + QStringLiteral(" venter et antall minutter, ikke ") + *v};
+    }
+}
+
 Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
 {
     const std::optional<QString> png = a.verdi(QStringLiteral("--png"));
+    const bool log = a.flagg(QStringLiteral("--log"));
+    const auto fra = minutter(a, QStringLiteral("--from")), til = minutter(a, QStringLiteral("--to"));
     a.ferdig();
+    if (fra && til && *til <= *fra) throw BrukFeil{QStringLiteral("--to må være større enn --from")};
     bool lagret = true;
     f.settGrafVisning([&](app::FrmGraph& vindu) {
         skriv(QStringLiteral("Punkter i grafen: %1\n").arg(vindu.graf().verdier.size()));
         if (!png) return;
+        vindu.settLogaritmisk(log);
+        if (fra || til) vindu.visUtsnitt(fra, til);
         vindu.show();
         QCoreApplication::processEvents();
         lagret = vindu.grab().save(*png, "PNG");

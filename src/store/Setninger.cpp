@@ -124,9 +124,10 @@ long long antallRader(db::Database& d)
     return static_cast<long long>(d.spor(QStringLiteral("Select count(*) as Antall from dataLinjer")).tall("Antall"));
 }
 
-db::Recordset kolonne(db::Database& d, const QString& K)
+db::Recordset kolonneMedTid(db::Database& d, const QString& K)
 {
-    return d.spor(QStringLiteral("Select ") + bokstav(K) + QStringLiteral(" from DataLinjer order by ID"));
+    return d.spor(QStringLiteral("Select DatoTid, DatoTid_Tekst, ") + bokstav(K) +
+                  QStringLiteral(" from DataLinjer order by ID"));
 }
 
 std::optional<db::Recordset> forsteRad(db::Database& d)

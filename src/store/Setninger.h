@@ -48,8 +48,9 @@ QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
 // The number of rows, which every select of the whole table returns; count(*) reads it from the
 // small time index instead of walking every row.
 long long antallRader(db::Database& d);
-// One column of every row in ID order: "Select K from DataLinjer order by ID".
-db::Recordset kolonne(db::Database& d, const QString& K);
+// One column of every row in ID order, with the row's DatoTid and DatoTid_Tekst:
+// "Select DatoTid, DatoTid_Tekst, K from DataLinjer order by ID".
+db::Recordset kolonneMedTid(db::Database& d, const QString& K);
 
 // The first measurement row (lowest ID), as the cycle searches read it; empty for an empty table.
 std::optional<db::Recordset> forsteRad(db::Database& d);

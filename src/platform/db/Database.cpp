@@ -258,9 +258,10 @@ double Recordset::tall(int k) const
 bool Recordset::erNull(std::string_view navn) const { return erNull(kolonne(navn)); }
 double Recordset::tall(std::string_view navn) const { return tall(kolonne(navn)); }
 
-QString Recordset::tekst(std::string_view navn) const
+QString Recordset::tekst(std::string_view navn) const { return tekst(kolonne(navn)); }
+
+QString Recordset::tekst(int k) const
 {
-    const int k = kolonne(navn);
     if (erNull(k)) return {};
     return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt_, k)),
                              sqlite3_column_bytes(stmt_, k));

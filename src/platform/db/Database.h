@@ -121,6 +121,7 @@ public:
     int kolonne(std::string_view navn) const;
     bool erNull(int kolonne) const;
     double tall(int kolonne) const;
+    QString tekst(int kolonne) const;
     vb::Dato dato(int kolonne) const;
 
 private:

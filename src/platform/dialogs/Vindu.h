@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 namespace dialogs {
@@ -36,11 +37,29 @@ inline constexpr Innstilling Innstillinger[] = {
 };
 
 // What the overview graph draws: its title, the number of chart rows, and the values of
-// rows 1, 2, 3 … (rows past the values have none and are not drawn).
+// rows 1, 2, 3 … (rows past the values have none and are not drawn), each at its minutes after
+// the data start and with its own date-time text (DatoTid_Tekst). Beside them what the last
+// cycle search left: its start and threshold, the turning points and the windows that the
+// single-cycle export takes, all in minutes after the data start.
 struct Graf {
     QString tittel;
     int rader = 0;
     std::vector<double> verdier;
+    std::vector<double> minutter;
+    QStringList tidTekster;
+    QString dataStart;  // the general date-time text of the first row
+
+    struct Snupunkt {
+        int syklus;
+        double minutt;
+    };
+    struct Utsnitt {
+        int syklus;
+        double fra, til;
+    };
+    std::optional<double> sokStart, terskel;
+    std::vector<Snupunkt> snupunkter;
+    std::vector<Utsnitt> utsnitt;
 };
 
 class Vindu {
