@@ -53,6 +53,22 @@ QPointF dekader(double lav, double hoy)
     return {a, b > a ? b : a * 10};
 }
 
+// Ticks at round steps (1, 2 or 5 times a power of ten) from zero, about eight over the range,
+// kept so by every zoom and move.
+void rundeMerker(QValueAxis* akse)
+{
+    const auto sett = [akse](qreal min, qreal max) {
+        const double grov = (max - min) / 8;
+        if (!(grov > 0)) return;
+        const double tier = std::pow(10.0, std::floor(std::log10(grov)));
+        const double steg = grov / tier < 1.5 ? tier : grov / tier < 3.5 ? 2 * tier : grov / tier < 7.5 ? 5 * tier : 10 * tier;
+        akse->setTickInterval(steg);
+    };
+    akse->setTickType(QValueAxis::TicksDynamic);
+    akse->setTickAnchor(0);
+    QObject::connect(akse, &QValueAxis::rangeChanged, akse, sett);
+}
+
 // The marks of the last search over the plot area: export windows as bands, the search start as
 // a dashed line, the turning points as lines numbered by cycle, and the threshold across.
 class Merker : public QGraphicsItem {
@@ -257,8 +273,10 @@ void FrmGraph::byggDiagram()
     tidAkse_ = new QValueAxis;
     tidAkse_->setTitleText(QStringLiteral("Minutter etter datastart (%1)").arg(graf_.dataStart));
     tidAkse_->setLabelFormat(QStringLiteral("%g"));
+    rundeMerker(tidAkse_);
     linAkse_ = new QValueAxis;
-    linAkse_->setLabelFormat(QStringLiteral("%.2e"));  // ion currents, 1e-13 to 1e-8
+    linAkse_->setLabelFormat(QStringLiteral("%.1e"));  // ion currents, 1e-13 to 1e-8
+    rundeMerker(linAkse_);
     logAkse_ = new QLogValueAxis(this);
     logAkse_->setLabelFormat(QStringLiteral("%.0e"));
     logAkse_->setMinorTickCount(8);

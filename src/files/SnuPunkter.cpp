@@ -31,7 +31,7 @@ std::optional<Sok> lesSok(const Kontekst& k)
     const QStringList deler = HentFraFil(k.sti(SokStartFil)).split(QLatin1Char('!'));
     if (deler.size() != 2) return std::nullopt;
     try {
-        return Sok{vb::Dato::fraGenerellTekst(deler[0]), vb::tall(deler[1])};
+        return Sok{vb::Dato::fraGenerellTekst(deler[0]), vb::enkel(deler[1])};
     } catch (const vb::Feil&) {
         return std::nullopt;
     }

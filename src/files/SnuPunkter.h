@@ -17,7 +17,7 @@ inline const QString SokStartFil = QStringLiteral("SokStart.txt");
 // Where a cycle search started and the threshold it took.
 struct Sok {
     vb::Dato start;
-    double terskel = 0;
+    float terskel = 0;  // single precision, as the searches hold it
 };
 
 // The turning points of the last cycle search.

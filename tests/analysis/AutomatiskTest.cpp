@@ -54,6 +54,8 @@ TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
     }
     const auto& d = dialogs.dialoger();
     EXPECT_EQ(d[0].forslag + '|' + d[1].tittel + '|' + d[1].forslag, u"230|Antall sykluser:|30"_s);
+    // Beside the turning points: the search start and the chosen pass's threshold, for the graph.
+    EXPECT_EQ(mappe.les(u"SokStart.txt"_s), "23.11.2012 14:01:00!2.08\r\n");
 }
 
 TEST_F(AutomatiskSok, EnderStilleUtenMelding)
@@ -87,6 +89,7 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
         {{"--save-settings", "find-cycles", "--start", "1", "--apply"}, u"Det ble funnet 0 sykluser."_s},
         {{"auto-search", "--start", "1", "--cycles", "30"}, u"Det ble funnet 3 sykluser."_s},
         {{"graph", "--png", png}, u"\n\n9,5\n\nPunkter i grafen: 43\n"_s},  // after the values above 1
+        {{"graph", "--log", "--from", "2,5", "--to", "5", "--png", png}, u"Punkter i grafen: 43\n"_s},
     };
     for (const auto& t : tilfeller) {
         const auto k = kjor(t.args);
@@ -95,6 +98,8 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
     EXPECT_TRUE(mappe.les(u"Oppsett.txt"_s).startsWith("1!0!"));
     EXPECT_GT(QImage(png).width(), 400);
     EXPECT_EQ(kjor({"find-cycles"}).status, 2);  // --start is required
+    for (const QStringList& feil : {QStringList{"graph", "--from", "x"}, {"graph", "--from", "5", "--to", "5"}})
+        EXPECT_EQ(kjor(feil).status, 2) << feil.join(' ');
 }
 
 }  // namespace

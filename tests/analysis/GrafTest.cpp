@@ -3,7 +3,12 @@
 #include "felles/MedVindu.h"
 #include "platform/db/Masseinnsetting.h"
 
+#include <QChart>
+#include <QChartView>
+#include <QLabel>
+#include <QLineSeries>
 #include <QPushButton>
+#include <QScatterSeries>
 
 namespace {
 
@@ -41,8 +46,27 @@ protected:
         f->Command8_Click();
         return v;
     }
+    // What the command hands the window.
+    dialogs::Graf grafen()
+    {
+        dialogs::Graf g;
+        f->settGrafVisning([&](app::FrmGraph& vindu) { g = vindu.graf(); });
+        f->Command8_Click();
+        return g;
+    }
     int fylt = 0;
 };
+
+// The marks of a graph as text: search start, threshold, cycle@minute, cycle:from-to.
+QString merker(const dialogs::Graf& g)
+{
+    QStringList t;
+    if (g.sokStart) t << u"start %1"_s.arg(*g.sokStart);
+    if (g.terskel) t << u"terskel %1"_s.arg(*g.terskel);
+    for (const auto& s : g.snupunkter) t << u"%1@%2"_s.arg(s.syklus).arg(s.minutt);
+    for (const auto& u : g.utsnitt) t << u"%1:%2-%3"_s.arg(u.syklus).arg(u.fra).arg(u.til);
+    return t.join(' ');
+}
 
 TEST(Provesteg, RundesTilNaermesteMedHalvTilPar)
 {
@@ -93,6 +117,100 @@ TEST_F(Graf, VerdierOverEnKolonnerOgTommeTabeller)
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
     EXPECT_EQ(vindu({}).Command8_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), u"Ingen data importert"_s);
+}
+
+TEST_F(Graf, MinutterEtterStartOgMerkerFraSisteSok)
+{
+    // A row every ten minutes for five hours, and one at 230,5 minutes between them.
+    std::vector<test::Rad> rader;
+    for (int m = 0; m <= 300; m += 10) {
+        rader.push_back({m * 60, 1e-12 * (m + 1)});
+        if (m == 230) rader.push_back({13830, 5e-9});
+    }
+    fyll(rader);
+    vindu();
+    dialogs::Graf g = grafen();
+    EXPECT_EQ(g.dataStart, u"23.11.2012 14:00:00"_s);
+    ASSERT_EQ(g.minutter.size(), 32u);
+    EXPECT_EQ(g.minutter[24], 230.5);
+    EXPECT_EQ(g.tidTekster[24], u"2012-11-23 17:50:30"_s);
+    EXPECT_EQ(merker(g), QString());  // no search yet
+
+    // Unreadable turning points and one outside the data mark nothing; the cycle numbers stay
+    // those of the file. Windows for Text4 1,5 to Text6 5 only, 20,5 minutes after rounded to 20.
+    mappe.skriv(u"SnuPunkter.txt"_s,
+                "23.11.2012 14:30:00!tull!23.11.2012 16:00:00!00:00:00!23.11.2012 18:00:00!23.11.2012 20:00:00\r\n");
+    mappe.skriv(u"SokStart.txt"_s, "23.11.2012 14:05:00!1.5E-10\r\n");
+    for (auto [boks, tekst] : {std::pair{dialogs::Boks::Text4, "1,5"},
+                               {dialogs::Boks::Text6, "5"},
+                               {dialogs::Boks::Text1, "10"},
+                               {dialogs::Boks::Text2, "20,5"}})
+        f->settTekst(boks, QString::fromUtf8(tekst));
+    EXPECT_EQ(merker(grafen()), u"start 5 terskel 1.5e-10 1@30 3@120 5@240 3:110-140 5:230-260"_s);
+
+    // A SokStart.txt that is no search, or settings that are no numbers, leave the rest.
+    mappe.skriv(u"SokStart.txt"_s, "23.11.2012 14:05:00\r\n");
+    f->settTekst(dialogs::Boks::Text2, u"lang"_s);
+    EXPECT_EQ(merker(grafen()), u"1@30 3@120 5@240"_s);
+    // Without SnuPunkter.txt nothing is marked.
+    mappe.skriv(u"SokStart.txt"_s, "23.11.2012 14:05:00!1.5E-10\r\n");
+    QFile::remove(mappe.sti(u"SnuPunkter.txt"_s));
+    EXPECT_EQ(merker(grafen()), QString());
+}
+
+TEST_F(Graf, VinduetLogaritmiskAkseZoomOgAvlesning)
+{
+    fyll({{0, 0}, {60, 2e-12}, {120, -1e-13}, {13830, 5e-9}, {18000, 3e-10}});
+    vindu();
+    bool vist = false;
+    f->settGrafVisning([&](app::FrmGraph& g) {
+        vist = true;
+        g.show();
+        auto* serie = qobject_cast<QLineSeries*>(g.diagram()->series().value(0));
+        auto* null = qobject_cast<QScatterSeries*>(g.diagram()->series().value(1));
+        ASSERT_TRUE(serie && null);
+        EXPECT_EQ(serie->at(3), QPointF(230.5, 5e-9f));  // x is minutes after the data start
+        EXPECT_EQ(g.tidsomrade(), QPointF(0, 300));
+        EXPECT_TRUE(g.diagram()->axes(Qt::Horizontal)[0]->titleText().contains(u"23.11.2012 14:00:00"_s));
+
+        // On the log axis the zero and the negative value lie at its floor, the decade below the
+        // smallest value above zero, marked and counted in the legend; the linear axis gets them back.
+        g.settLogaritmisk(true);
+        EXPECT_EQ(g.verdiomrade(), QPointF(1e-12, 1e-8));
+        EXPECT_EQ(null->points(), (QList<QPointF>{{0, 1e-12}, {2, 1e-12}}));
+        EXPECT_EQ(serie->at(2), QPointF(2, 1e-12));
+        EXPECT_TRUE(g.findChild<QLabel*>(u"Forklaring"_s)->text().contains(u"2 verdier ≤ 0"_s));
+        g.settLogaritmisk(false);
+        EXPECT_EQ(serie->at(2), QPointF(2, -1e-13f));
+        EXPECT_EQ(null->count(), 0);
+
+        // A view of some minutes fits the value axis to the rows in it; the wheel zooms the
+        // time axis around the mouse; the reset shows all again.
+        g.visUtsnitt(100, std::nullopt);
+        EXPECT_EQ(g.tidsomrade(), QPointF(100, 300));
+        EXPECT_GT(g.verdiomrade().x(), 0);
+        EXPECT_LT(g.verdiomrade().y(), 6e-9);
+        g.tilbakestill();
+        QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
+        const auto iVisning = [&](QPointF verdi) {
+            return visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition(verdi, serie)));
+        };
+        const QPointF midt = iVisning({150, 1e-9});
+        QWheelEvent hjul(midt, visning->mapToGlobal(midt), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                         Qt::NoScrollPhase, false);
+        QApplication::sendEvent(visning->viewport(), &hjul);
+        EXPECT_NEAR(g.tidsomrade().x(), 30, 1);
+        EXPECT_NEAR(g.tidsomrade().y(), 270, 1);
+
+        // The readout follows the mouse: the nearest drawn row's minutes, time text and value.
+        const QPointF over = iVisning({229, 1e-9});
+        QMouseEvent flytt(QEvent::MouseMove, over, visning->mapToGlobal(over), Qt::NoButton, Qt::NoButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(visning->viewport(), &flytt);
+        EXPECT_EQ(g.avlesningTekst(), u"230,50 min etter start    2012-11-23 17:50:30    5E-09"_s);
+    });
+    f->Command8_Click();
+    EXPECT_TRUE(vist);
 }
 
 }  // namespace

@@ -72,6 +72,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     k.utforSqlite("PRAGMA query_only = 0");
     svar(u"1"_s, u"1"_s, dialogs::Svar::Nei);
     EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
+    EXPECT_EQ(mappe.les(u"SokStart.txt"_s), "23.11.2012 14:01:00!1\r\n");  // the search start and threshold
 
     // The command built the column's time index, and every statement of the search reads that
     // index alone, in its order, without a sort.
@@ -99,14 +100,17 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     auto avvist = [&](int kolonne, std::vector<dialogs::SkriptDialogs::Svaret> svar, const char* hva,
                       const QString& melding = Feil, bool sletter = false) {
         const QString navn = melding == Feil ? SnuPunkter : u"Snupunkter.txt"_s;
-        if (sletter) mappe.skriv(navn, "01.01.2012\r\n");
+        if (sletter) {
+            mappe.skriv(navn, "01.01.2012\r\n");
+            mappe.skriv(u"SokStart.txt"_s, "01.01.2012!1\r\n");
+        }
         f->velgKolonne(kolonne);
         for (const auto& s : svar) dialogs.svar(s);
         EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << hva;
         EXPECT_EQ(dialogs.dialoger().back().tekst, melding) << hva;
         EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Informasjon) << hva;
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << hva;
-        EXPECT_FALSE(sletter && QFile::exists(mappe.sti(navn))) << hva;
+        EXPECT_FALSE(sletter && (QFile::exists(mappe.sti(navn)) || QFile::exists(mappe.sti(u"SokStart.txt"_s)))) << hva;
     };
     avvist(0, {u"1"_s, u"0.02"_s}, "no hit: 0,01 lies on the search start",
            u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s, true);
