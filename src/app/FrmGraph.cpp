@@ -53,21 +53,117 @@ QPointF dekader(double lav, double hoy)
     return {a, b > a ? b : a * 10};
 }
 
-// Ticks at round steps (1, 2 or 5 times a power of ten) from zero, about eight over the range,
-// kept so by every zoom and move.
+// A round step (1, 2 or 5 times a power of ten) that gives about eight ticks from min to max.
+double rundtSteg(double min, double max)
+{
+    const double grov = (max - min) / 8;
+    if (!(grov > 0) || !std::isfinite(grov)) return 1;
+    const double tier = std::pow(10.0, std::floor(std::log10(grov)));
+    const double r = grov / tier;
+    return (r < 1.5 ? 1 : r < 3.5 ? 2 : r < 7.5 ? 5 : 10) * tier;
+}
+
+// Ticks at round steps from zero, kept so when the chart itself changes the range (a dragged
+// rectangle, a move). Qt Charts lays the ticks out before it tells of a new range, so a range
+// set by the program gets its step first (settOmrade).
 void rundeMerker(QValueAxis* akse)
 {
-    const auto sett = [akse](qreal min, qreal max) {
-        const double grov = (max - min) / 8;
-        if (!(grov > 0)) return;
-        const double tier = std::pow(10.0, std::floor(std::log10(grov)));
-        const double steg = grov / tier < 1.5 ? tier : grov / tier < 3.5 ? 2 * tier : grov / tier < 7.5 ? 5 * tier : 10 * tier;
-        akse->setTickInterval(steg);
-    };
-    akse->setTickType(QValueAxis::TicksDynamic);
+    akse->setTickInterval(1);
     akse->setTickAnchor(0);
-    QObject::connect(akse, &QValueAxis::rangeChanged, akse, sett);
+    akse->setTickType(QValueAxis::TicksDynamic);
+    QObject::connect(akse, &QValueAxis::rangeChanged, akse,
+                     [akse](qreal min, qreal max) { akse->setTickInterval(rundtSteg(min, max)); });
 }
+
+void settOmrade(QValueAxis* akse, double min, double max)
+{
+    akse->setTickInterval(rundtSteg(min, max));
+    akse->setRange(min, max);
+}
+
+// The curve, drawn as one path. Qt Charts' own line series takes about 100 ms to draw 30 000
+// points again after each zoom; here the points of one pixel column are joined through their
+// first, smallest, largest and last value only, which gives the same picture, and segments
+// outside the plot area's columns are cut at its edges.
+class Kurve : public QGraphicsItem {
+public:
+    Kurve(QChart* chart, const FrmGraph& graf) : QGraphicsItem(chart), chart_(chart), graf_(graf) { setZValue(50); }
+    QRectF boundingRect() const override { return chart_->plotArea(); }
+    void oppdater()
+    {
+        prepareGeometryChange();
+        update();
+    }
+
+    void paint(QPainter* p, const QStyleOptionGraphicsItem*, QWidget*) override
+    {
+        const QRectF f = chart_->plotArea();
+        p->save();
+        p->setClipRect(f);
+        p->setPen(QPen(KurveFarge, 1));
+        p->drawPath(sti(f));
+        p->restore();
+    }
+
+private:
+    // The points in the plot area's pixels, one pixel column at a time reduced to four.
+    std::vector<QPointF> hjorner(const QRectF& f) const
+    {
+        const QPointF t = graf_.tidsomrade(), v = graf_.verdiomrade();
+        const bool log = graf_.logaritmisk();
+        const auto y = [log](double verdi) { return log ? std::log10(verdi) : verdi; };
+        const double sx = f.width() / (t.y() - t.x()), sy = f.height() / (y(v.y()) - y(v.x()));
+        std::vector<QPointF> ut;
+        QPointF forste, minst, storst, siste;
+        double kolonne = std::nan("");
+        const auto tom = [&] {
+            if (std::isnan(kolonne)) return;
+            ut.push_back(forste);
+            ut.push_back(minst.y() < storst.y() ? minst : storst);
+            ut.push_back(minst.y() < storst.y() ? storst : minst);
+            ut.push_back(siste);
+        };
+        for (const QPointF& punkt : graf_.kurve()) {
+            const double py = std::clamp(f.bottom() - (y(punkt.y()) - y(v.x())) * sy, f.top() - 1e6, f.bottom() + 1e6);
+            const QPointF q(f.left() + (punkt.x() - t.x()) * sx, py);
+            if (std::floor(q.x()) != kolonne) {
+                tom();
+                kolonne = std::floor(q.x());
+                forste = minst = storst = q;
+            }
+            if (q.y() < minst.y()) minst = q;
+            if (q.y() > storst.y()) storst = q;
+            siste = q;
+        }
+        tom();
+        return ut;
+    }
+
+    // The corners joined, each segment cut to the columns of the plot area.
+    QPainterPath sti(const QRectF& f) const
+    {
+        const std::vector<QPointF> h = hjorner(f);
+        const double venstre = f.left() - 1, hoyre = f.right() + 1;
+        const auto ved = [](const QPointF& a, const QPointF& b, double x) {
+            return QPointF(x, a.y() + (b.y() - a.y()) * (x - a.x()) / (b.x() - a.x()));
+        };
+        QPainterPath sti;
+        for (size_t i = 1; i < h.size(); ++i) {
+            QPointF a = h[i - 1], b = h[i];
+            if (std::max(a.x(), b.x()) < venstre || std::min(a.x(), b.x()) > hoyre) continue;
+            if (a.x() < venstre) a = ved(a, b, venstre);
+            if (a.x() > hoyre) a = ved(a, b, hoyre);
+            if (b.x() < venstre) b = ved(a, b, venstre);
+            if (b.x() > hoyre) b = ved(a, b, hoyre);
+            if (sti.elementCount() == 0 || sti.currentPosition() != a) sti.moveTo(a);
+            sti.lineTo(b);
+        }
+        return sti;
+    }
+
+    QChart* chart_;
+    const FrmGraph& graf_;
+};
 
 // The marks of the last search over the plot area: export windows as bands, the search start as
 // a dashed line, the turning points as lines numbered by cycle, and the threshold across.
@@ -260,8 +356,7 @@ void FrmGraph::byggDiagram()
     chart->legend()->hide();
     chart->setTitle(graf_.tittel);
     serie_ = new QLineSeries;
-    serie_->setPen(QPen(KurveFarge, 1));
-    serie_->replace(punkter_);
+    serie_->setName(graf_.tittel);  // holds no points: it maps the curve's minutes and values
     nullSerie_ = new QScatterSeries;
     nullSerie_->setName(QStringLiteral("Verdier ≤ 0"));
     nullSerie_->setColor(NullFarge);
@@ -288,8 +383,12 @@ void FrmGraph::byggDiagram()
     }
     MSChart->setChart(chart);
 
+    auto* kurve = new Kurve(chart, *this);
     auto* merker = new Merker(chart, serie_, graf_, logaritmisk_);
-    const auto oppdater = [merker] { merker->oppdater(); };
+    const auto oppdater = [kurve, merker] {
+        kurve->oppdater();
+        merker->oppdater();
+    };
     connect(chart, &QChart::plotAreaChanged, this, oppdater);
     connect(tidAkse_, &QValueAxis::rangeChanged, this, oppdater);
     connect(linAkse_, &QValueAxis::rangeChanged, this, oppdater);
@@ -315,7 +414,6 @@ void FrmGraph::settLogaritmisk(bool logaritmisk)
     chart->removeAxis(gammel);
     gammel->setParent(this);
     chart->addAxis(verdiakse(), Qt::AlignLeft);
-    serie_->replace(logaritmisk_ ? logPunkter_ : punkter_);
     nullSerie_->replace(logaritmisk_ ? nullPunkter_ : QList<QPointF>());
     serie_->attachAxis(verdiakse());
     nullSerie_->attachAxis(verdiakse());
@@ -342,8 +440,10 @@ std::optional<QPointF> FrmGraph::verdierMellom(double fra, double til) const
 void FrmGraph::visUtsnitt(std::optional<double> fra, std::optional<double> til)
 {
     const double a = fra.value_or(forsteMinutt_), b = til.value_or(sisteMinutt_);
-    tidAkse_->setRange(a, b > a ? b : a + 1);
-    if (const auto v = verdierMellom(a, b)) verdiakse()->setRange(v->x(), v->y());
+    settOmrade(tidAkse_, a, b > a ? b : a + 1);
+    const auto v = verdierMellom(a, b);
+    if (v && logaritmisk_) logAkse_->setRange(v->x(), v->y());
+    if (v && !logaritmisk_) settOmrade(linAkse_, v->x(), v->y());
 }
 
 void FrmGraph::tilbakestill() { visUtsnitt(std::nullopt, std::nullopt); }
@@ -351,7 +451,7 @@ void FrmGraph::tilbakestill() { visUtsnitt(std::nullopt, std::nullopt); }
 void FrmGraph::zoomTid(double midt, double faktor)
 {
     const QPointF t = tidsomrade();
-    tidAkse_->setRange(midt - (midt - t.x()) * faktor, midt + (t.y() - midt) * faktor);
+    settOmrade(tidAkse_, midt - (midt - t.x()) * faktor, midt + (t.y() - midt) * faktor);
 }
 
 QPointF FrmGraph::tidsomrade() const { return {tidAkse_->min(), tidAkse_->max()}; }

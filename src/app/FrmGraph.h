@@ -46,6 +46,8 @@ public:
     void tilbakestill();
     // Zooms the time axis around the minute midt: faktor below 1 closer, above 1 further out.
     void zoomTid(double midt, double faktor);
+    // The points of the curve: minutes and values, on the log axis with the floor for values at or below zero.
+    const QList<QPointF>& kurve() const { return logaritmisk_ ? logPunkter_ : punkter_; }
     // The minutes and values now shown.
     QPointF tidsomrade() const;
     QPointF verdiomrade() const;
