@@ -50,7 +50,7 @@ QPointF dekader(double lav, double hoy)
 {
     const double a = std::pow(10.0, std::floor(std::log10(lav)));
     const double b = std::pow(10.0, std::ceil(std::log10(hoy)));
-    return {a, b > a ? b : a * 10};
+    return {a * 0.999999, (b > a ? b : a * 10) * 1.000001};
 }
 
 // A round step (1, 2 or 5 times a power of ten) that gives about eight ticks from min to max.
@@ -372,11 +372,12 @@ void FrmGraph::byggDiagram()
     linAkse_ = new QValueAxis;
     linAkse_->setLabelFormat(QStringLiteral("%.1e"));  // ion currents, 1e-13 to 1e-8
     rundeMerker(linAkse_);
-    logAkse_ = new QLogValueAxis(this);
+    logAkse_ = new QLogValueAxis;
+    logAkse_->setVisible(false);
     logAkse_->setLabelFormat(QStringLiteral("%.0e"));
-    logAkse_->setMinorTickCount(8);
     chart->addAxis(tidAkse_, Qt::AlignBottom);
     chart->addAxis(linAkse_, Qt::AlignLeft);
+    chart->addAxis(logAkse_, Qt::AlignLeft);
     for (QXYSeries* s : {static_cast<QXYSeries*>(serie_), static_cast<QXYSeries*>(nullSerie_)}) {
         s->attachAxis(tidAkse_);
         s->attachAxis(linAkse_);
@@ -408,15 +409,17 @@ QAbstractAxis* FrmGraph::verdiakse() const
 void FrmGraph::settLogaritmisk(bool logaritmisk)
 {
     if (logaritmisk == logaritmisk_) return;
-    QChart* chart = diagram();
+    // Both axes stay in the chart, the other one hidden: an axis taken out of a chart leaves its
+    // labels behind in Qt Charts.
     QAbstractAxis* gammel = verdiakse();
     logaritmisk_ = logaritmisk;
-    chart->removeAxis(gammel);
-    gammel->setParent(this);
-    chart->addAxis(verdiakse(), Qt::AlignLeft);
+    for (QXYSeries* s : {static_cast<QXYSeries*>(serie_), static_cast<QXYSeries*>(nullSerie_)}) {
+        s->detachAxis(gammel);
+        s->attachAxis(verdiakse());
+    }
+    gammel->setVisible(false);
+    verdiakse()->setVisible(true);
     nullSerie_->replace(logaritmisk_ ? nullPunkter_ : QList<QPointF>());
-    serie_->attachAxis(verdiakse());
-    nullSerie_->attachAxis(verdiakse());
     const QPointF tid = tidsomrade();
     visUtsnitt(tid.x(), tid.y());
     const QSignalBlocker stille(logBoks_);
