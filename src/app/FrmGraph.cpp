@@ -50,7 +50,7 @@ QPointF dekader(double lav, double hoy)
 {
     const double a = std::pow(10.0, std::floor(std::log10(lav)));
     const double b = std::pow(10.0, std::ceil(std::log10(hoy)));
-    return {a * 0.999999, (b > a ? b : a * 10) * 1.000001};
+    return {a, b > a ? b : a * 10};
 }
 
 // A round step (1, 2 or 5 times a power of ten) that gives about eight ticks from min to max.
@@ -445,7 +445,8 @@ void FrmGraph::visUtsnitt(std::optional<double> fra, std::optional<double> til)
     const double a = fra.value_or(forsteMinutt_), b = til.value_or(sisteMinutt_);
     settOmrade(tidAkse_, a, b > a ? b : a + 1);
     const auto v = verdierMellom(a, b);
-    if (v && logaritmisk_) logAkse_->setRange(v->x(), v->y());
+    // A hair beyond the decades, or Qt Charts leaves out the label of the lower one.
+    if (v && logaritmisk_) logAkse_->setRange(v->x() * 0.999999, v->y() * 1.000001);
     if (v && !logaritmisk_) settOmrade(linAkse_, v->x(), v->y());
 }
 
