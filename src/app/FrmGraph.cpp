@@ -81,28 +81,44 @@ void settOmrade(QValueAxis* akse, double min, double max)
     akse->setRange(min, max);
 }
 
-// The curve, drawn as one path. Qt Charts' own line series takes about 100 ms to draw 30 000
-// points again after each zoom; here the points of one pixel column are joined through their
-// first, smallest, largest and last value only, which gives the same picture, and segments
-// outside the plot area's columns are cut at its edges.
-class Kurve : public QGraphicsItem {
+// Something drawn over the plot area and clipped to it, again after every zoom or move.
+class Plottlag : public QGraphicsItem {
 public:
-    Kurve(QChart* chart, const FrmGraph& graf) : QGraphicsItem(chart), chart_(chart), graf_(graf) { setZValue(50); }
+    Plottlag(QChart* chart, qreal z) : QGraphicsItem(chart), chart_(chart) { setZValue(z); }
     QRectF boundingRect() const override { return chart_->plotArea(); }
+    // After the plot area or an axis range has changed.
     void oppdater()
     {
         prepareGeometryChange();
         update();
     }
-
     void paint(QPainter* p, const QStyleOptionGraphicsItem*, QWidget*) override
     {
         const QRectF f = chart_->plotArea();
         p->save();
         p->setClipRect(f);
-        p->setPen(QPen(KurveFarge, 1));
-        p->drawPath(sti(f));
+        tegn(*p, f);
         p->restore();
+    }
+
+protected:
+    virtual void tegn(QPainter& p, const QRectF& f) const = 0;
+    QChart* chart_;
+};
+
+// The curve, drawn as one path. Qt Charts' own line series takes about 100 ms to draw 30 000
+// points again after each zoom; here the points of one pixel column are joined through their
+// first, smallest, largest and last value only, which gives the same picture, and segments
+// outside the plot area's columns are cut at its edges.
+class Kurve : public Plottlag {
+public:
+    Kurve(QChart* chart, const FrmGraph& graf) : Plottlag(chart, 50), graf_(graf) {}
+
+protected:
+    void tegn(QPainter& p, const QRectF& f) const override
+    {
+        p.setPen(QPen(KurveFarge, 1));
+        p.drawPath(sti(f));
     }
 
 private:
@@ -161,64 +177,51 @@ private:
         return sti;
     }
 
-    QChart* chart_;
     const FrmGraph& graf_;
 };
 
 // The marks of the last search over the plot area: export windows as bands, the search start as
 // a dashed line, the turning points as lines numbered by cycle, and the threshold across.
-class Merker : public QGraphicsItem {
+class Merker : public Plottlag {
 public:
     Merker(QChart* chart, QLineSeries* serie, const dialogs::Graf& graf, const bool& logaritmisk)
-        : QGraphicsItem(chart), chart_(chart), serie_(serie), graf_(graf), logaritmisk_(logaritmisk)
+        : Plottlag(chart, 100), serie_(serie), graf_(graf), logaritmisk_(logaritmisk)
     {
-        setZValue(100);
-    }
-    QRectF boundingRect() const override { return chart_->plotArea(); }
-    // After the plot area or an axis range has changed.
-    void oppdater()
-    {
-        prepareGeometryChange();
-        update();
     }
 
-    void paint(QPainter* p, const QStyleOptionGraphicsItem*, QWidget*) override
+protected:
+    void tegn(QPainter& p, const QRectF& f) const override
     {
-        const QRectF f = chart_->plotArea();
-        p->save();
-        p->setClipRect(f);
         // A value on the value axis, valid for either scale, to map minutes with.
         const double y0 = chart_->mapToValue(f.bottomLeft(), serie_).y();
         const auto x = [&](double m) { return chart_->mapToPosition(QPointF(m, y0), serie_).x(); };
         for (const auto& u : graf_.utsnitt)
-            p->fillRect(QRectF(QPointF(x(u.fra), f.top()), QPointF(x(u.til), f.bottom())).normalized(), UtsnittFarge);
+            p.fillRect(QRectF(QPointF(x(u.fra), f.top()), QPointF(x(u.til), f.bottom())).normalized(), UtsnittFarge);
         if (graf_.terskel && (*graf_.terskel > 0 || !logaritmisk_)) {
             const double y =
                 chart_->mapToPosition(QPointF(graf_.minutter.empty() ? 0 : graf_.minutter[0], *graf_.terskel), serie_)
                     .y();
-            p->setPen(QPen(TerskelFarge, 1.5, Qt::DashLine));
-            p->drawLine(QPointF(f.left(), y), QPointF(f.right(), y));
+            p.setPen(QPen(TerskelFarge, 1.5, Qt::DashLine));
+            p.drawLine(QPointF(f.left(), y), QPointF(f.right(), y));
         }
-        p->setPen(QPen(SnupunktFarge, 1));
+        p.setPen(QPen(SnupunktFarge, 1));
         double forrigeTall = -1e9;
         for (const auto& s : graf_.snupunkter) {
             const double sx = x(s.minutt);
-            p->drawLine(QPointF(sx, f.top() + 14), QPointF(sx, f.bottom()));
+            p.drawLine(QPointF(sx, f.top() + 14), QPointF(sx, f.bottom()));
             if (sx - forrigeTall < 16) continue;  // numbers closer than that would overlap
-            p->drawText(QRectF(sx - 15, f.top(), 30, 14), Qt::AlignCenter, QString::number(s.syklus));
+            p.drawText(QRectF(sx - 15, f.top(), 30, 14), Qt::AlignCenter, QString::number(s.syklus));
             forrigeTall = sx;
         }
         if (graf_.sokStart) {
             const double sx = x(*graf_.sokStart);
-            p->setPen(QPen(SokStartFarge, 2, Qt::DashLine));
-            p->drawLine(QPointF(sx, f.top()), QPointF(sx, f.bottom()));
-            p->drawText(QRectF(sx + 4, f.bottom() - 16, 120, 14), Qt::AlignLeft, QStringLiteral("Søkestart"));
+            p.setPen(QPen(SokStartFarge, 2, Qt::DashLine));
+            p.drawLine(QPointF(sx, f.top()), QPointF(sx, f.bottom()));
+            p.drawText(QRectF(sx + 4, f.bottom() - 16, 120, 14), Qt::AlignLeft, QStringLiteral("Søkestart"));
         }
-        p->restore();
     }
 
 private:
-    QChart* chart_;
     QLineSeries* serie_;
     const dialogs::Graf& graf_;
     const bool& logaritmisk_;
