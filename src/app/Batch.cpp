@@ -4,6 +4,7 @@
 #include "analysis/Sykluser.h"
 #include "app/Form1.h"
 #include "app/FrmGraph.h"
+#include "app/Programmappe.h"
 #include "export/Eksport.h"
 #include "export/Graftittel.h"
 #include "export/Integrering.h"
@@ -217,7 +218,7 @@ const char* const Bruk = "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE].
                          "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
 
 struct Globalt {
-    QString mappe;
+    std::optional<QString> mappe;
     QList<std::pair<dialogs::Boks, QString>> sett;
     std::optional<QString> kolonne;
     std::optional<bool> adsorpsjon;
@@ -229,7 +230,6 @@ struct Globalt {
 Globalt lesGlobalt(const QStringList& args)
 {
     Globalt g;
-    g.mappe = QCoreApplication::applicationDirPath();
     int i = 0;
     auto neste = [&](const QString& navn) {
         if (i + 1 >= args.size()) throw BrukFeil{navn + QStringLiteral(" mangler en verdi")};
@@ -316,7 +316,7 @@ int kjorBatch(int argc, char** argv)
         const auto& alle = kommandoer();
         auto it = std::find_if(alle.begin(), alle.end(), [&](const auto& k) { return k.first == g.kommando; });
         if (it == alle.end()) throw BrukFeil{QStringLiteral("Ukjent kommando: ") + g.kommando};
-        Form1 vindu(g.mappe, dialogs);
+        Form1 vindu(g.mappe ? *g.mappe : programmappe(dialogs), dialogs);
         brukGlobalt(vindu, g);
         Argumenter a(g.argumenter);
         const Utfall utfall = it->second(vindu, a, dialogs);
