@@ -217,6 +217,16 @@ const std::vector<std::pair<QString, Kommando>>& kommandoer()
 const char* const Bruk = "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]\n"
                          "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
 
+// --help: the usage and the commands, on stdout.
+int hjelp()
+{
+    QStringList navn;
+    for (const auto& k : kommandoer()) navn << k.first;
+    skriv(QLatin1String(Bruk) + QStringLiteral("Kommandoer: ") + navn.join(QStringLiteral(", ")) +
+          QStringLiteral("\nValg: --help (denne teksten), --version\n"));
+    return 0;
+}
+
 struct Globalt {
     std::optional<QString> mappe;
     QList<std::pair<dialogs::Boks, QString>> sett;
@@ -257,6 +267,9 @@ Globalt lesGlobalt(const QStringList& args)
             g.adsorpsjon = ads;
         } else if (a == QLatin1String("--save-settings")) {
             g.lagre = true;
+        } else if (a == QLatin1String("--help") || a == QLatin1String("--version")) {
+            g.kommando = a;
+            return g;
         } else if (a.startsWith(QStringLiteral("--"))) {
             throw BrukFeil{QStringLiteral("Ukjent valg: ") + a};
         } else {
@@ -313,6 +326,11 @@ int kjorBatch(int argc, char** argv)
     dialogs.vedGrunn = [](const QString& grunn) { std::fprintf(stderr, "%s\n", grunn.toUtf8().constData()); };
     try {
         const Globalt g = lesGlobalt(args);
+        if (g.kommando == QLatin1String("--help")) return hjelp();
+        if (g.kommando == QLatin1String("--version")) {
+            skriv(QStringLiteral("tolvik-batch %1\n").arg(Form1::Versjon));
+            return 0;
+        }
         const auto& alle = kommandoer();
         auto it = std::find_if(alle.begin(), alle.end(), [&](const auto& k) { return k.first == g.kommando; });
         if (it == alle.end()) throw BrukFeil{QStringLiteral("Ukjent kommando: ") + g.kommando};

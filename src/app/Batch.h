@@ -4,6 +4,7 @@
 //
 //   tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]
 //                [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]
+//   tolvik-batch --help | --version
 //
 // Without --folder the program folder is chosen as the window's (Programmappe.h).
 // Exit status: 0 normal end, 1 stopped at a message of refusal or error,
