@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build run test bench check-office clean
+.PHONY: all deps build run test bench package check-office clean
 
 all: build
 
@@ -22,6 +22,10 @@ run: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# The Debian package build/tolvik_VERSION_ARCH.deb (dpkg -i installs it; see pakke/).
+package: build
+	cd $(BUILD) && cpack -G DEB
 
 bench: build
 	@bash bench/run.sh $(BUILD)

@@ -3,7 +3,7 @@
 set -euo pipefail
 pakker=(g++ cmake make pkg-config qt6-base-dev qt6-charts-dev libqt6opengl6-dev libgl-dev
         libsqlcipher-dev sqlcipher sqlite3 libzip-dev libpugixml-dev libxlsxwriter-dev
-        libgtest-dev python3 python3-openpyxl xvfb xauth time)
+        libgtest-dev dpkg-dev python3 python3-openpyxl xvfb xauth time)
 mangler=()
 for p in "${pakker[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || mangler+=("$p")

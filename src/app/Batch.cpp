@@ -4,6 +4,7 @@
 #include "analysis/Sykluser.h"
 #include "app/Form1.h"
 #include "app/FrmGraph.h"
+#include "app/Programmappe.h"
 #include "export/Eksport.h"
 #include "export/Graftittel.h"
 #include "export/Integrering.h"
@@ -233,8 +234,18 @@ const std::vector<std::pair<QString, Kommando>>& kommandoer()
 const char* const Bruk = "Bruk: tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]\n"
                          "                   [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]\n";
 
+// --help: the usage and the commands, on stdout.
+int hjelp()
+{
+    QStringList navn;
+    for (const auto& k : kommandoer()) navn << k.first;
+    skriv(QLatin1String(Bruk) + QStringLiteral("Kommandoer: ") + navn.join(QStringLiteral(", ")) +
+          QStringLiteral("\nValg: --help (denne teksten), --version\n"));
+    return 0;
+}
+
 struct Globalt {
-    QString mappe;
+    std::optional<QString> mappe;
     QList<std::pair<dialogs::Boks, QString>> sett;
     std::optional<QString> kolonne;
     std::optional<bool> adsorpsjon;
@@ -246,7 +257,6 @@ struct Globalt {
 Globalt lesGlobalt(const QStringList& args)
 {
     Globalt g;
-    g.mappe = QCoreApplication::applicationDirPath();
     int i = 0;
     auto neste = [&](const QString& navn) {
         if (i + 1 >= args.size()) throw BrukFeil{navn + QStringLiteral(" mangler en verdi")};
@@ -274,6 +284,9 @@ Globalt lesGlobalt(const QStringList& args)
             g.adsorpsjon = ads;
         } else if (a == QLatin1String("--save-settings")) {
             g.lagre = true;
+        } else if (a == QLatin1String("--help") || a == QLatin1String("--version")) {
+            g.kommando = a;
+            return g;
         } else if (a.startsWith(QStringLiteral("--"))) {
             throw BrukFeil{QStringLiteral("Ukjent valg: ") + a};
         } else {
@@ -330,10 +343,15 @@ int kjorBatch(int argc, char** argv)
     dialogs.vedGrunn = [](const QString& grunn) { std::fprintf(stderr, "%s\n", grunn.toUtf8().constData()); };
     try {
         const Globalt g = lesGlobalt(args);
+        if (g.kommando == QLatin1String("--help")) return hjelp();
+        if (g.kommando == QLatin1String("--version")) {
+            skriv(QStringLiteral("tolvik-batch %1\n").arg(Form1::Versjon));
+            return 0;
+        }
         const auto& alle = kommandoer();
         auto it = std::find_if(alle.begin(), alle.end(), [&](const auto& k) { return k.first == g.kommando; });
         if (it == alle.end()) throw BrukFeil{QStringLiteral("Ukjent kommando: ") + g.kommando};
-        Form1 vindu(g.mappe, dialogs);
+        Form1 vindu(g.mappe ? *g.mappe : programmappe(dialogs), dialogs);
         brukGlobalt(vindu, g);
         Argumenter a(g.argumenter);
         const Utfall utfall = it->second(vindu, a, dialogs);

@@ -4,7 +4,9 @@
 //
 //   tolvik-batch [--folder DIR] [--set TextN=VALUE]... [--column LETTER]
 //                [--adsorption | --desorption] [--save-settings] COMMAND [ARGS]
+//   tolvik-batch --help | --version
 //
+// Without --folder the program folder is chosen as the window's (Programmappe.h).
 // Exit status: 0 normal end, 1 stopped at a message of refusal or error,
 // 2 usage error or a question the arguments do not answer.
 #pragma once

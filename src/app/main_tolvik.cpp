@@ -1,5 +1,6 @@
-// tolvik: the main window, run from the program folder.
+// tolvik: the main window, run on the program folder (see Programmappe.h).
 #include "app/Form1.h"
+#include "app/Programmappe.h"
 #include "platform/dialogs/QtDialogs.h"
 
 #include <QApplication>
@@ -16,7 +17,7 @@ int main(int argc, char** argv)
     }
     QApplication app(argc, argv);
     dialogs::QtDialogs dialogs;
-    app::Form1 vindu(QCoreApplication::applicationDirPath(), dialogs);
+    app::Form1 vindu(app::programmappe(dialogs), dialogs);
     dialogs.settEier(&vindu);
     vindu.show();
     return app.exec();

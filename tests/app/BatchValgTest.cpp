@@ -50,3 +50,15 @@ TEST(Batch, BrukFeilGirStatusTo)
     }
     EXPECT_FALSE(QFile::exists(m.sti("Oppsett.txt")));
 }
+
+TEST(Batch, HjelpOgVersjon)
+{
+    const auto h = test::batch({"--help"});
+    EXPECT_EQ(h.status, 0);
+    EXPECT_TRUE(h.ut.startsWith(QStringLiteral("Bruk: tolvik-batch"))) << h.ut.toStdString();
+    EXPECT_TRUE(h.ut.contains(QStringLiteral("status, find-cycles"))) << h.ut.toStdString();
+    const auto v = test::batch({"--folder", "/finnes/ikke", "--version"});
+    EXPECT_EQ(v.status, 0);
+    EXPECT_EQ(v.ut, QStringLiteral("tolvik-batch 1.6 (06.01.2013)\n"));
+    EXPECT_EQ(v.feil, QString());
+}

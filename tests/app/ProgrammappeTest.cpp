@@ -1,0 +1,95 @@
+// Which folder the program keeps its files in: a portable folder as it is, an installed program
+// in the user's own folder set up from the installed files.
+#include "app/Programmappe.h"
+#include "felles/Felles.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+// An installed tree: bin/ without any program file, share/tolvik with Template.mdb and two
+// templates (write-protected, as root installs them); the user's folder not made yet.
+struct Installert {
+    QTemporaryDir rot;
+    QString bin = rot.path() + QStringLiteral("/bin");
+    QString delt = rot.path() + QStringLiteral("/share/tolvik");
+    QString bruker = rot.path() + QStringLiteral("/hjem/Tolvik");
+    Installert()
+    {
+        QDir().mkpath(bin);
+        QDir().mkpath(delt);
+        for (const char* navn : {"Template.mdb", "Mal_Sykluser.xlsx", "Mal_Alle_Adsorpsjon.xlsm"}) {
+            const QString til = delt + QLatin1Char('/') + QLatin1String(navn);
+            QFile::copy(QStringLiteral(TOLVIK_DIST "/") + QLatin1String(navn), til);
+            QFile::setPermissions(til, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+        }
+    }
+    app::Mappevalg velg() const { return app::velgProgrammappe(bin, delt, bruker); }
+    QByteArray les(const QString& navn) const
+    {
+        QFile f(bruker + QLatin1Char('/') + navn);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+};
+
+TEST(Programmappe, PortabelMappeBrukesSomDenEr)
+{
+    test::Programmappe m;
+    Installert i;
+    const app::Mappevalg valg = app::velgProgrammappe(m.mappe(), i.delt, i.bruker);
+    EXPECT_EQ(valg.mappe, m.mappe());
+    EXPECT_TRUE(valg.feil.isEmpty());
+    EXPECT_FALSE(QDir(i.bruker).exists());
+
+    // No Template.mdb anywhere: the executable's folder, as before; start-up then says what is missing.
+    EXPECT_EQ(app::velgProgrammappe(i.bin, i.bin, i.bruker).mappe, i.bin);
+    EXPECT_FALSE(QDir(i.bruker).exists());
+}
+
+TEST(Programmappe, InstallertFaarEnBrukermappe)
+{
+    Installert i;
+    const app::Mappevalg valg = i.velg();
+    EXPECT_EQ(valg.mappe, i.bruker);
+    EXPECT_TRUE(valg.feil.isEmpty()) << valg.feil.join('\n').toStdString();
+    EXPECT_EQ(QDir(i.bruker).entryList(QDir::Files),
+              QStringList({"Data.mdb", "Mal_Alle_Adsorpsjon.xlsm", "Mal_Sykluser.xlsx", "Template.mdb"}));
+    EXPECT_TRUE(QFileInfo(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx")).isWritable());
+
+    // The program starts on it without any message, with an empty database of its own.
+    const auto k = test::batch({"--folder", i.bruker, "status"});
+    EXPECT_EQ(k.status, 0);
+    EXPECT_TRUE(k.ut.startsWith(QStringLiteral("Tolvik -    poster i databasen"))) << k.ut.toStdString();
+
+    // Later starts keep what the user has: an edited template (in any case of its name) and the
+    // measurements. A removed template comes back; a removed Data.mdb is left to the start-up,
+    // which makes it and says so.
+    QFile::remove(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx"));
+    QFile f(i.bruker + QStringLiteral("/mal_sykluser.xlsx"));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("egen mal");
+    f.close();
+    QFile::remove(i.bruker + QStringLiteral("/Mal_Alle_Adsorpsjon.xlsm"));
+    QFile::remove(i.bruker + QStringLiteral("/Data.mdb"));
+    EXPECT_TRUE(i.velg().feil.isEmpty());
+    EXPECT_EQ(i.les(QStringLiteral("mal_sykluser.xlsx")), QByteArray("egen mal"));
+    EXPECT_FALSE(QFile::exists(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx")));
+    EXPECT_TRUE(QFile::exists(i.bruker + QStringLiteral("/Mal_Alle_Adsorpsjon.xlsm")));
+    EXPECT_FALSE(QFile::exists(i.bruker + QStringLiteral("/Data.mdb")));
+}
+
+TEST(Programmappe, BrukermappeSomIkkeKanLagesNevnes)
+{
+    Installert i;
+    QFile blokk(i.rot.path() + QStringLiteral("/hjem"));
+    ASSERT_TRUE(blokk.open(QIODevice::WriteOnly));  // a file where the folder should be
+    blokk.close();
+    const app::Mappevalg valg = i.velg();
+    EXPECT_EQ(valg.mappe, i.bruker);
+    EXPECT_EQ(valg.feil, QStringList{QStringLiteral("Mappen %1 kan ikke lages").arg(i.bruker)});
+}
+
+}  // namespace
