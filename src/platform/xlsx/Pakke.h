@@ -6,6 +6,7 @@
 #include <QString>
 #include <pugixml.hpp>
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -30,7 +31,9 @@ struct Endringer {
 
 class Pakke {
 public:
-    // Reads the file into memory; XlsxFeil when it is missing or no zip.
+    // Reads the file into memory; XlsxFeil when it is missing, no zip, or not a package this
+    // layer takes: a part named outside the package ("../", an absolute path) or a link, more
+    // than 10 000 parts, a part larger than 16 MB or all together larger than 48 MB unpacked.
     explicit Pakke(const QString& sti);
     ~Pakke();
     Pakke(const Pakke&) = delete;
@@ -59,6 +62,13 @@ public:
     void skriv(const std::string& sti, const Endringer& endringer) const;
 
 private:
+    // Unpacks every part once, so that no size is taken from the zip directory: XlsxFeil for
+    // the first part that breaks a rule of the constructor.
+    void kontroller() const;
+    // Unpacks part nr i (named del), appended to ut unless null; its size. XlsxFeil when it
+    // cannot be read or grows past the limit of a part.
+    uint64_t pakkUt(uint64_t i, const std::string& del, std::string* ut) const;
+
     std::string data_;
     ::zip* zip_ = nullptr;
 };
