@@ -29,6 +29,13 @@ constexpr zip_int64_t maksDeler = 10000;
 
 std::string megabyte(zip_uint64_t byte) { return std::to_string(byte >> 20) + " MB"; }
 
+// The error of a part past its limit, or with del empty, of the whole package past its limit.
+XlsxFeil forStor(const std::string& del)
+{
+    if (del.empty()) return XlsxFeil("Arbeidsboka er større enn " + megabyte(maksTotalt) + " pakket ut");
+    return XlsxFeil("Delen " + del + " er større enn " + megabyte(maksDel) + " pakket ut");
+}
+
 // Whether a part's name stays inside the package: no ".." step, no absolute path or drive.
 bool innenforPakken(std::string_view navn)
 {
@@ -114,32 +121,33 @@ void Pakke::kontroller() const
         const std::string navn = zip_get_name(zip_, i, ZIP_FL_ENC_RAW);
         if (!innenforPakken(navn)) throw XlsxFeil("Delen " + navn + " har et navn som peker ut av arbeidsboka");
         if (erLenke(zip_, i)) throw XlsxFeil("Delen " + navn + " er en lenke");
-        totalt += pakkUt(i, navn, nullptr);
-        if (totalt > maksTotalt) throw XlsxFeil("Arbeidsboka er større enn " + megabyte(maksTotalt) + " pakket ut");
+        zip_stat_t st;
+        if (zip_stat_index(zip_, i, 0, &st) != 0 || !(st.valid & ZIP_STAT_SIZE))
+            throw XlsxFeil("Kan ikke lese " + navn);
+        if (st.size > maksDel) throw forStor(navn);
+        totalt += st.size;
+        if (totalt > maksTotalt) throw forStor({});
     }
 }
 
-zip_uint64_t Pakke::pakkUt(zip_uint64_t i, const std::string& del, std::string* ut) const
+void Pakke::pakkUt(zip_uint64_t i, const std::string& del, std::string& ut) const
 {
     zip_stat_t st;
-    if (zip_stat_index(zip_, i, 0, &st) != 0) throw XlsxFeil("Kan ikke lese " + del);
-    const std::string forStor = "Delen " + del + " er større enn " + megabyte(maksDel) + " pakket ut";
-    if ((st.valid & ZIP_STAT_SIZE) && st.size > maksDel) throw XlsxFeil(forStor);
-    zip_file_t* f = zip_fopen_index(zip_, i, 0);
+    zip_file_t* f = zip_stat_index(zip_, i, 0, &st) == 0 ? zip_fopen_index(zip_, i, 0) : nullptr;
     if (!f) throw XlsxFeil("Kan ikke lese " + del);
-    if (ut) ut->reserve(st.size);
+    ut.reserve(st.size);  // no more than the limit: checked on opening
     char blokk[1 << 16];
-    zip_uint64_t lest = 0;
     zip_int64_t n;
     while ((n = zip_fread(f, blokk, sizeof blokk)) > 0) {
-        lest += static_cast<zip_uint64_t>(n);
-        if (lest > maksDel) break;
-        if (ut) ut->append(blokk, static_cast<size_t>(n));
+        pakketUt_ += static_cast<zip_uint64_t>(n);
+        if (ut.size() + static_cast<size_t>(n) > maksDel || pakketUt_ > maksTotalt) {
+            zip_fclose(f);
+            throw forStor(ut.size() + static_cast<size_t>(n) > maksDel ? del : std::string());
+        }
+        ut.append(blokk, static_cast<size_t>(n));
     }
     zip_fclose(f);
-    if (lest > maksDel) throw XlsxFeil(forStor);
-    if (n < 0 || lest != st.size) throw XlsxFeil("Kan ikke lese " + del);
-    return lest;
+    if (n < 0 || ut.size() != st.size) throw XlsxFeil("Kan ikke lese " + del);
 }
 
 Pakke::~Pakke()
@@ -154,7 +162,7 @@ std::string Pakke::lesDel(const std::string& del) const
     zip_int64_t i = zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE);
     if (i < 0) throw XlsxFeil("Arbeidsboka mangler delen " + del);
     std::string ut;
-    pakkUt(static_cast<zip_uint64_t>(i), del, &ut);
+    pakkUt(static_cast<zip_uint64_t>(i), del, ut);
     return ut;
 }
 

@@ -95,7 +95,8 @@ TEST_F(FiendtligBok, ZipbomberOgLyvendeKatalog)
     EXPECT_EQ(avvisning([&] { bok->ark(1).celle(1, 1); }),
               "Delen xl/worksheets/sheet1.xml har mer enn 500 000 XML-elementer");
 
-    // The sizes of sheet 1 in the local header and the directory changed: 4 GB, 10 bytes.
+    // The sizes of sheet 1 in the local header and the directory changed: 4 GB, 10 bytes, refused
+    // on opening or when the sheet is read.
     med("xl/worksheets/sheet1.xml", std::string(1 << 20, ' '));
     QByteArray zip = test::filinnhold(fil);
     for (uint32_t logn : {0xFFFFFFF0u, 10u}) {
@@ -106,7 +107,7 @@ TEST_F(FiendtligBok, ZipbomberOgLyvendeKatalog)
         QFile f(fil);
         ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write(zip) == zip.size());
         f.close();
-        EXPECT_NE(avvisning(fil), "godtatt") << logn;
+        EXPECT_NE(avvisning([&] { apne(fil)->ark(1).celle(1, 1); }), "godtatt") << logn;
     }
 }
 
