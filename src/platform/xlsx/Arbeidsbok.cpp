@@ -84,9 +84,11 @@ public:
             for (auto& r : pakke_.relasjoner(tegning))
                 if (r.id == rid) del = r.maal;
         if (del.empty() || !pakke_.finnes(del)) throw XlsxFeil("Arket har ikke diagramobjekt nr " + std::to_string(nr));
-        auto& plass = diagrammer_[del];
-        if (!plass) plass = std::make_unique<Diagramdel>(del, pakke_.lesDel(del));
-        return *plass;
+        // Made before it is kept: a part that is no chart leaves nothing behind for the save.
+        auto plass = diagrammer_.find(del);
+        if (plass == diagrammer_.end())
+            plass = diagrammer_.emplace(del, std::make_unique<Diagramdel>(del, pakke_.lesDel(del))).first;
+        return *plass->second;
     }
 
 private:
