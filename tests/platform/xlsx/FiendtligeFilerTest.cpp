@@ -2,8 +2,9 @@
 // that lie, parts named outside the package, and entities in a DTD.
 #include "Hjelpere.h"
 
-#include <QElapsedTimer>
 #include <QTemporaryDir>
+
+#include <ctime>
 
 using namespace xlsx;
 
@@ -27,15 +28,15 @@ protected:
                    "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>" +
                        rader + "</sheetData></worksheet>");
     }
-    // The message the workbook layer refuses with, within two seconds; "godtatt" if it does not.
+    // The message the workbook layer refuses with, within two seconds of processor time (the
+    // tests share the machine); "godtatt" if it does not refuse.
     std::string avvisning(const std::function<void()>& gjor)
     {
-        QElapsedTimer klokke;
-        klokke.start();
+        const std::clock_t start = std::clock();
         try {
             gjor();
         } catch (const XlsxFeil& e) {
-            EXPECT_LT(klokke.elapsed(), 2000);
+            EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC) << e.what();
             return e.what();
         }
         return "godtatt";
