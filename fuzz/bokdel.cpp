@@ -6,7 +6,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t n)
 {
     static const QString fil = fuzzfil("del.xlsx"), kopi = fuzzfil("delut.xlsx");
-    ovelse::byttDel(QStringLiteral(TOLVIK_DIST "/Mal_desorpsjon_areal_alle.xlsx"), {reinterpret_cast<const char*>(data), n}, fil);
+    ovelse::byttDel(QStringLiteral(TOLVIK_DIST "/Mal_desorpsjon_areal_alle.xlsx"),
+                    {reinterpret_cast<const char*>(data), n}, fil);
     ovelse::arbeidsbok(fil, kopi);
     return 0;
 }
