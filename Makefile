@@ -2,12 +2,16 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build run test bench package check-office clean
+.PHONY: all deps deps-sanitizer build run test bench package check-office fuzz test-asan clean
 
 all: build
 
 deps:
 	@bash tools/installer-pakker.sh
+
+# clang with libFuzzer and the sanitizer runtimes, only for make fuzz and make test-asan.
+deps-sanitizer: deps
+	@bash tools/installer-pakker.sh --sanitizer
 
 build: deps
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
@@ -34,5 +38,18 @@ bench: build
 check-office: build
 	@bash tests/office/sjekk_office.sh $(BUILD)
 
+# Every fuzz target for FUZZ_S seconds, one after another (FUZZ_S=600 make fuzz: ten minutes each).
+FUZZ_S ?= 60
+fuzz: deps-sanitizer
+	@CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOLVIK_FUZZ=ON >/dev/null
+	@cmake --build build-fuzz -j $(JOBS) --target fuzzmaal
+	@bash fuzz/kjor.sh build-fuzz $(FUZZ_S)
+
+# The whole test suite built with the address and undefined-behaviour sanitizers.
+test-asan: deps-sanitizer
+	@cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOLVIK_SANITIZE=ON >/dev/null
+	@cmake --build build-asan -j $(JOBS)
+	cd build-asan && ctest --output-on-failure -j $(JOBS)
+
 clean:
-	rm -rf $(BUILD)
+	rm -rf $(BUILD) build-fuzz build-asan

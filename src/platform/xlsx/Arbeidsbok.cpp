@@ -103,9 +103,11 @@ public:
 private:
     Diagramdel& diagramdel(const std::string& del)
     {
-        auto& plass = diagrammer_[del];
-        if (!plass) plass = std::make_unique<Diagramdel>(del, pakke_.lesDel(del));
-        return *plass;
+        // Made before it is kept: a part that is no chart leaves nothing behind for the save.
+        auto plass = diagrammer_.find(del);
+        if (plass == diagrammer_.end())
+            plass = diagrammer_.emplace(del, std::make_unique<Diagramdel>(del, pakke_.lesDel(del))).first;
+        return *plass->second;
     }
 
     // Every chart drawn on a worksheet of the workbook.

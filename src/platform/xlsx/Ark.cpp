@@ -70,7 +70,7 @@ void Ark::last()
     }
     pugi::xml_document d;
     lesXml(d, std::string_view(xml).substr(start, slutt - start), pugi::parse_default | pugi::parse_ws_pcdata_single,
-           "Ødelagt ark: " + sti_, true);
+           sti_, "Ødelagt ark: " + sti_, true);
     foran_ = xml.substr(0, start);
     bak_ = xml.substr(slutt);
     lesKolonnestiler();
@@ -170,8 +170,8 @@ void Ark::lesKolonnestiler()
     const size_t e = a == std::string::npos ? a : foran_.find(lukk, a);
     if (e == std::string::npos) return;
     pugi::xml_document d;
-    lesXml(d, std::string_view(foran_).substr(a, e + lukk.size() - a), pugi::parse_default, "Ødelagt ark: " + sti_,
-           true);
+    lesXml(d, std::string_view(foran_).substr(a, e + lukk.size() - a), pugi::parse_default, sti_,
+           "Ødelagt ark: " + sti_, true);
     for (pugi::xml_node c : d.first_child().children())
         if (lokaltNavn(c.name()) == "col" && c.attribute("style"))
             kolonnestiler_.push_back({c.attribute("min").as_int(), c.attribute("max").as_int(),
@@ -367,22 +367,58 @@ void Ark::fyllFormlerNed(int sisteRad)
 }
 
 // ---------------------------------------------------------------- values
+template <class Hver>
+void Ark::forHverCelle(int rad1, int kol1, int rad2, int kol2, Hver&& hver)
+{
+    for (auto it = rader_.lower_bound(rad1); it != rader_.end() && it->first <= rad2; ++it) {
+        auto& v = it->second.celler;
+        auto c = std::lower_bound(v.begin(), v.end(), kol1, [](const Celle& x, int k) { return x.kol < k; });
+        for (; c != v.end() && c->kol <= kol2; ++c) hver(*c);
+    }
+}
 
 Resultat Ark::verdiAv(Celle& c)
 {
     FormelDel& f = *c.formel;
-    if (f.gen == gen_) {
-        if (f.underveis) return Resultat::feil("#REF!", true);  // circular reference
-        return f.verdi;
+    if (f.gen != gen_) beregnMedKilder(c);
+    if (f.underveis) return Resultat::feil("#REF!", true);  // circular reference
+    return f.verdi;
+}
+
+// Computes the formula cell c after the formula cells it refers to, the deepest first, on a
+// stack of its own: a column where each cell refers to the next is as long as the sheet, and
+// following it by recursion would exhaust the call stack. When a cell is computed, every cell
+// it refers to is computed already or still waits for its own sources below it on the stack:
+// the latter closes a circle and gives a circular-reference error.
+void Ark::beregnMedKilder(Celle& c)
+{
+    struct Steg {
+        Celle* celle;
+        bool kilderLagt;  // its sources are on the stack above it
+    };
+    std::vector<Steg> stakk{{&c, false}};
+    while (!stakk.empty()) {
+        Steg steg = stakk.back();
+        FormelDel& f = *steg.celle->formel;
+        if (steg.kilderLagt) {
+            stakk.pop_back();
+            Resultat r = formel::beregn(*f.tre, kilde_, f.rad, steg.celle->kol);
+            f.verdi = r.art == Resultat::Tom ? Resultat::nummer(0) : std::move(r);
+            f.underveis = false;
+        } else if (f.gen == gen_) {
+            stakk.pop_back();  // computed, or waiting further down
+        } else {
+            f.gen = gen_;
+            f.underveis = true;
+            stakk.back().kilderLagt = true;
+            if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, steg.celle->kol);
+            formel::referanser(*f.tre, f.rad, steg.celle->kol, [&](int r1, int k1, int r2, int k2) {
+                forHverCelle(r1, k1, r2, k2, [&](Celle& kilde) {
+                    if (kilde.formel && kilde.formel->gen != gen_) stakk.push_back({&kilde, false});
+                });
+            });
+        }
     }
-    f.gen = gen_;
-    f.underveis = true;
-    if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, c.kol);
-    Resultat r = formel::beregn(*f.tre, kilde_, f.rad, c.kol);
-    if (r.art == Resultat::Tom) r = Resultat::nummer(0);
-    f.verdi = r;
-    f.underveis = false;
-    return r;
 }
 
 Resultat Ark::resultat(Celle& c)
@@ -408,14 +444,10 @@ Resultat Ark::Kilde::celle(int rad, int kolonne)
 
 void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver)
 {
-    for (auto it = ark_.rader_.lower_bound(rad1); it != ark_.rader_.end() && it->first <= rad2; ++it) {
-        auto& v = it->second.celler;
-        auto c = std::lower_bound(v.begin(), v.end(), kol1, [](const Celle& x, int k) { return x.kol < k; });
-        for (; c != v.end() && c->kol <= kol2; ++c) {
-            Resultat r = ark_.resultat(*c);
-            if (r.art != Resultat::Tom) hver(r);
-        }
-    }
+    ark_.forHverCelle(rad1, kol1, rad2, kol2, [&](Celle& c) {
+        Resultat r = ark_.resultat(c);
+        if (r.art != Resultat::Tom) hver(r);
+    });
 }
 
 // ---------------------------------------------------------------- writing

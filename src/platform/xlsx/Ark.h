@@ -106,6 +106,10 @@ private:
         ++gen_;
     }
     formel::Resultat verdiAv(Celle& c);
+    void beregnMedKilder(Celle& c);
+    // Calls hver with every cell inside the rectangle, in row and column order.
+    template <class Hver>
+    void forHverCelle(int rad1, int kol1, int rad2, int kol2, Hver&& hver);
     void finnDelteFormler();
     void apneTagg(std::string& ut, const char* navn) const;
     void lukkTagg(std::string& ut, const char* navn) const;

@@ -39,7 +39,7 @@ bool prefiks(pugi::xml_node rot, const char* uri, std::string& ut)
 
 Diagramdel::Diagramdel(std::string sti, const std::string& xml) : sti_(std::move(sti))
 {
-    lesXml(doc_, xml, medDeklarasjon | pugi::parse_ws_pcdata, "Ødelagt diagram: " + sti_, true);
+    lesXml(doc_, xml, medDeklarasjon | pugi::parse_ws_pcdata, sti_, "Ødelagt diagram: " + sti_, true);
     pugi::xml_node rot = doc_.document_element();
     if (!prefiks(rot, chartNs, c_)) throw XlsxFeil("Ikke et diagram: " + sti_);
     if (!prefiks(rot, tegningNs, a_)) {

@@ -1,5 +1,7 @@
 #include "platform/xlsx/Formel.h"
 
+#include "platform/xlsx/Arbeidsbok.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -14,6 +16,9 @@ namespace {
 
 constexpr int maksRad = 1048576;
 constexpr int maksKolonne = 16384;
+// Parentheses and function calls nested deeper than this are refused: the parser and the
+// evaluator go one call deeper for each level.
+constexpr int maksNiva = 100;
 
 // ---------------------------------------------------------------- tokens
 
@@ -245,6 +250,8 @@ public:
         if (!ok_ || tok_[pos_].art != Token::Slutt) return feilNode();
         return n;
     }
+    // Whether the formula nests deeper than maksNiva (it then reads as #NAME?).
+    bool forDyp() const { return forDyp_; }
 
 private:
     const Token& se() const { return tok_[pos_]; }
@@ -288,31 +295,37 @@ private:
     int sum() { return niva(&Tolker::produkt, {"+", "-"}); }
     int produkt() { return niva(&Tolker::potens, {"*", "/"}); }
     int potens() { return niva(&Tolker::fortegn, {"^"}); }
+    // Signs and percent signs, each run of them one node that counts them ("--x" is x as a
+    // number, "x%%" is x / 10000), so a long run nests nothing. A plus alone changes nothing.
     int fortegn()
     {
-        if (erOp("-") || erOp("+")) {
-            bool minus = se().tekst == "-";
-            ++pos_;
-            int a = fortegn();
-            if (!minus) return a;
-            Node n;
-            n.art = Node::Neg;
-            n.a = a;
-            return ny(std::move(n));
-        }
+        int minus = 0;
+        for (; erOp("-") || erOp("+"); ++pos_) minus += se().tekst == "-";
         int a = primaer();
-        while (ok_ && erOp("%")) {
-            ++pos_;
-            Node n;
-            n.art = Node::Prosent;
-            n.a = a;
-            a = ny(std::move(n));
-        }
+        int prosent = 0;
+        for (; ok_ && erOp("%"); ++pos_) ++prosent;
+        if (prosent > 0) a = gjentatt(Node::Prosent, a, prosent);
+        if (minus > 0) a = gjentatt(Node::Neg, a, minus);
         return a;
+    }
+    int gjentatt(Node::Art art, int a, int antall)
+    {
+        Node n;
+        n.art = art;
+        n.a = a;
+        n.tall = antall;
+        return ny(std::move(n));
+    }
+    // One level deeper into parentheses or a call; false (and the formula refused) past maksNiva.
+    bool inn()
+    {
+        if (++niva_ <= maksNiva) return true;
+        forDyp_ = true;
+        return false;
     }
     int primaer()
     {
-        if (!ok_) return feilNode();
+        if (!ok_ || se().art == Token::Slutt) return feilNode();
         const Token t = tok_[pos_++];
         Node n;
         switch (t.art) {
@@ -351,9 +364,11 @@ private:
             return usikker();
         }
         case Token::VParentes: {
+            if (!inn()) return feilNode();
             int a = sammenligning();
-            if (se().art != Token::HParentes) return feilNode();
+            if (!ok_ || se().art != Token::HParentes) return feilNode();
             ++pos_;
+            --niva_;
             return a;
         }
         case Token::Arknavn: return usikker();
@@ -373,6 +388,7 @@ private:
     int kall(const Token& navn)
     {
         ++pos_;  // (
+        if (!inn()) return feilNode();
         Node n;
         n.art = Node::Kall;
         n.funk = finnFunksjon(navn.tekst);
@@ -389,6 +405,7 @@ private:
         }
         if (se().art != Token::HParentes) return feilNode();
         ++pos_;
+        --niva_;
         return ny(std::move(n));
     }
 
@@ -403,6 +420,8 @@ private:
     std::vector<Token> tok_;
     size_t pos_ = 0;
     bool ok_ = true;
+    int niva_ = 0;
+    bool forDyp_ = false;
     Uttrykk& u_;
     int rad_, kol_;
 };
@@ -487,6 +506,22 @@ double dagnummer(double aar, double mnd, double dag)
     return static_cast<double>(dager + 25569) + std::floor(dag) - 1;
 }
 
+// The rectangle of a reference node in a formula standing in cell (rad, kol); false outside the sheet.
+bool rektangel(const Node& n, int rad, int kol, int& r1, int& k1, int& r2, int& k2)
+{
+    int ra = n.fr1 ? n.r1 : n.r1 + rad, ka = n.fk1 ? n.k1 : n.k1 + kol;
+    int rb = ra, kb = ka;
+    if (n.art == Node::Omrade) {
+        rb = n.fr2 ? n.r2 : n.r2 + rad;
+        kb = n.fk2 ? n.k2 : n.k2 + kol;
+    }
+    r1 = std::min(ra, rb);
+    r2 = std::max(ra, rb);
+    k1 = std::min(ka, kb);
+    k2 = std::max(ka, kb);
+    return r1 >= 1 && k1 >= 1 && r2 <= maksRad && k2 <= maksKolonne;
+}
+
 class Beregner {
 public:
     Beregner(const Uttrykk& u, Kilde& k, int rad, int kol) : u_(u), k_(k), rad_(rad), kol_(kol) {}
@@ -500,7 +535,7 @@ public:
         case Node::Logisk: return {Resultat::Logisk, n.tall, {}, false};
         case Node::Ref: {
             int r1, k1, r2, k2;
-            if (!omrade(n, r1, k1, r2, k2)) return Resultat::feil("#REF!");
+            if (!rektangel(n, rad_, kol_, r1, k1, r2, k2)) return Resultat::feil("#REF!");
             return k_.celle(r1, k1);
         }
         case Node::Omrade: return Resultat::feil(verdiFeil);
@@ -510,7 +545,9 @@ public:
             Resultat f;
             double x;
             if (!tilTall(verdi(n.a), x, f)) return f;
-            return tallResultat(n.art == Node::Neg ? -x : x / 100);
+            if (n.art == Node::Neg) return tallResultat(static_cast<int>(n.tall) % 2 ? -x : x);
+            for (int i = 0; i < n.tall && x != 0; ++i) x /= 100;
+            return tallResultat(x);
         }
         case Node::Bin: return binaer(n);
         case Node::Kall: return kall(n);
@@ -519,26 +556,26 @@ public:
     }
 
 private:
-    // The rectangle of a reference node seen from the formula's cell; false outside the sheet.
-    bool omrade(const Node& n, int& r1, int& k1, int& r2, int& k2) const
-    {
-        int ra = n.fr1 ? n.r1 : n.r1 + rad_, ka = n.fk1 ? n.k1 : n.k1 + kol_;
-        int rb = ra, kb = ka;
-        if (n.art == Node::Omrade) {
-            rb = n.fr2 ? n.r2 : n.r2 + rad_;
-            kb = n.fk2 ? n.k2 : n.k2 + kol_;
-        }
-        r1 = std::min(ra, rb);
-        r2 = std::max(ra, rb);
-        k1 = std::min(ka, kb);
-        k2 = std::max(ka, kb);
-        return r1 >= 1 && k1 >= 1 && r2 <= maksRad && k2 <= maksKolonne;
-    }
-
+    // A chain of left-associative operators ("1+2+3+...") nests to the left: its left operands
+    // are walked down in a loop and the operators applied on the way back, so that a chain of
+    // any length nests no calls. Only right operands and arguments are computed by recursion.
     Resultat binaer(const Node& n)
     {
-        Resultat a = verdi(n.a);
-        if (a.art == Resultat::Feil) return a;
+        const size_t bunn = kjede_.size();
+        kjede_.push_back(&n);
+        while (u_.noder[kjede_.back()->a].art == Node::Bin) kjede_.push_back(&u_.noder[kjede_.back()->a]);
+        Resultat a = verdi(kjede_.back()->a);
+        while (kjede_.size() > bunn) {
+            const Node& op = *kjede_.back();
+            kjede_.pop_back();
+            if (a.art != Resultat::Feil) a = anvend(op, a);
+        }
+        return a;
+    }
+
+    // A binary operator applied to its left operand's value a.
+    Resultat anvend(const Node& n, const Resultat& a)
+    {
         Resultat b = verdi(n.b);
         if (b.art == Resultat::Feil) return b;
         const std::string& op = n.tekst;
@@ -574,7 +611,7 @@ private:
             const Node& a = u_.noder[i];
             if (a.art == Node::Ref || a.art == Node::Omrade) {
                 int r1, k1, r2, k2;
-                if (!omrade(a, r1, k1, r2, k2)) {
+                if (!rektangel(a, rad_, kol_, r1, k1, r2, k2)) {
                     feil = Resultat::feil("#REF!");
                     return false;
                 }
@@ -694,6 +731,7 @@ private:
     const Uttrykk& u_;
     Kilde& k_;
     int rad_, kol_;
+    std::vector<const Node*> kjede_;  // the chains of binaer, innermost on top
 };
 
 }  // namespace
@@ -705,6 +743,12 @@ std::shared_ptr<const Uttrykk> tolk(std::string_view formel, int rad, int kolonn
     auto u = std::make_shared<Uttrykk>();
     Tolker t(lesTokens(formel), *u, rad, kolonne);
     u->rot = t.helhet();
+    if (t.forDyp()) {
+        std::string celle;
+        leggTilAdresse(celle, rad, kolonne);
+        throw XlsxFeil("Formelen i " + celle + " har parenteser eller funksjoner nestet i mer enn " +
+                       std::to_string(maksNiva) + " nivåer");
+    }
     return u;
 }
 }  // namespace
@@ -713,6 +757,16 @@ Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne)
 {
     Beregner b(uttrykk, kilde, rad, kolonne);
     return b.verdi(uttrykk.rot);
+}
+
+void referanser(const Uttrykk& uttrykk, int rad, int kolonne,
+                const std::function<void(int rad1, int kol1, int rad2, int kol2)>& hver)
+{
+    for (const Node& n : uttrykk.noder) {
+        int r1, k1, r2, k2;
+        if ((n.art == Node::Ref || n.art == Node::Omrade) && rektangel(n, rad, kolonne, r1, k1, r2, k2))
+            hver(r1, k1, r2, k2);
+    }
 }
 
 constexpr size_t MaksICelle = 200000;

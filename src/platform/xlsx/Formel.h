@@ -37,8 +37,13 @@ public:
 
 struct Uttrykk;  // the parsed form of one formula
 
-// The value of a parsed formula in cell (rad, kolonne).
+// The value of a parsed formula in cell (rad, kolonne). The cells it refers to are asked of
+// kilde, which computes a formula cell there on its own (see referanser).
 Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne);
+// The rectangles (rows and columns from 1) of the cells a parsed formula in cell (rad, kolonne)
+// refers to, references outside the sheet left out, so that a sheet can compute those cells first.
+void referanser(const Uttrykk& uttrykk, int rad, int kolonne,
+                const std::function<void(int rad1, int kol1, int rad2, int kol2)>& hver);
 
 // Parsed formulas by their position-independent form: a column of template formulas
 // that differ only by their row is parsed once. The same text in the same cell is found
@@ -46,8 +51,9 @@ Resultat beregn(const Uttrykk& uttrykk, Kilde& kilde, int rad, int kolonne);
 class Tolkelager {
 public:
     // The parsed form of a formula text standing in cell (rad, kolonne); a leading "=" and
-    // blanks around tokens are allowed, names are case-insensitive. Never throws: a text it
-    // cannot read evaluates to #NAME?. References without "$" are kept relative to the cell,
+    // blanks around tokens are allowed, names are case-insensitive. XlsxFeil when parentheses
+    // and function calls nest more than 100 levels deep; any other text it cannot read
+    // evaluates to #NAME?. References without "$" are kept relative to the cell,
     // so one parsed form serves every cell whose formula differs only by that position.
     std::shared_ptr<const Uttrykk> hent(std::string_view formel, int rad, int kolonne);
 

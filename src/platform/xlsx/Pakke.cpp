@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace xlsx {
@@ -19,6 +20,42 @@ namespace {
 const char* const innholdstyper = "[Content_Types].xml";
 const char* const typeMakro = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
 const char* const typeVanlig = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+
+// What a package may hold, counted as it is unpacked (a zip directory may lie about sizes): far
+// above any template, and low enough that a zip bomb is refused before it takes the memory.
+constexpr zip_uint64_t maksDel = 16u << 20;
+constexpr zip_uint64_t maksTotalt = 48u << 20;
+constexpr zip_int64_t maksDeler = 10000;
+
+std::string megabyte(zip_uint64_t byte) { return std::to_string(byte >> 20) + " MB"; }
+
+// The error of a part past its limit, or with del empty, of the whole package past its limit.
+XlsxFeil forStor(const std::string& del)
+{
+    if (del.empty()) return XlsxFeil("Arbeidsboka er større enn " + megabyte(maksTotalt) + " pakket ut");
+    return XlsxFeil("Delen " + del + " er større enn " + megabyte(maksDel) + " pakket ut");
+}
+
+// Whether a part's name stays inside the package: no ".." step, no absolute path or drive.
+bool innenforPakken(std::string_view navn)
+{
+    if (navn.empty() || navn[0] == '/' || navn[0] == '\\' || (navn.size() > 1 && navn[1] == ':')) return false;
+    for (size_t fra = 0; fra <= navn.size();) {
+        size_t til = std::min(navn.find_first_of("/\\", fra), navn.size());
+        if (navn.substr(fra, til - fra) == "..") return false;
+        fra = til + 1;
+    }
+    return true;
+}
+
+// Whether the entry is a symbolic link, as a Unix zip tool stores one.
+bool erLenke(zip_t* zip, zip_uint64_t i)
+{
+    zip_uint8_t system = 0;
+    zip_uint32_t attributter = 0;
+    return zip_file_get_external_attributes(zip, i, 0, &system, &attributter) == 0 && system == ZIP_OPSYS_UNIX &&
+           ((attributter >> 16) & S_IFMT) == S_IFLNK;
+}
 
 std::string mappeAv(const std::string& del)
 {
@@ -55,8 +92,8 @@ Pakke::Pakke(const QString& sti)
 {
     QFile f(sti);
     if (!f.open(QIODevice::ReadOnly)) throw XlsxFeil("Finner ikke arbeidsboka " + sti.toStdString());
-    QByteArray innhold = f.readAll();
-    data_.assign(innhold.constData(), static_cast<size_t>(innhold.size()));
+    data_.resize(static_cast<size_t>(f.size()));
+    if (f.read(data_.data(), f.size()) != f.size()) throw XlsxFeil("Kan ikke lese arbeidsboka " + sti.toStdString());
     zip_error_t feil;
     zip_error_init(&feil);
     zip_source_t* kilde = zip_source_buffer_create(data_.data(), data_.size(), 0, &feil);
@@ -67,6 +104,50 @@ Pakke::Pakke(const QString& sti)
         throw XlsxFeil("Ikke en arbeidsbok (zip): " + sti.toStdString());
     }
     zip_error_fini(&feil);
+    try {
+        kontroller();
+    } catch (...) {
+        zip_discard(zip_);
+        throw;
+    }
+}
+
+void Pakke::kontroller() const
+{
+    const zip_int64_t antall = zip_get_num_entries(zip_, 0);
+    if (antall > maksDeler) throw XlsxFeil("Arbeidsboka har mer enn " + std::to_string(maksDeler) + " deler");
+    zip_uint64_t totalt = 0;
+    for (zip_uint64_t i = 0; i < static_cast<zip_uint64_t>(antall); ++i) {
+        const std::string navn = zip_get_name(zip_, i, ZIP_FL_ENC_RAW);
+        if (!innenforPakken(navn)) throw XlsxFeil("Delen " + navn + " har et navn som peker ut av arbeidsboka");
+        if (erLenke(zip_, i)) throw XlsxFeil("Delen " + navn + " er en lenke");
+        zip_stat_t st;
+        if (zip_stat_index(zip_, i, 0, &st) != 0 || !(st.valid & ZIP_STAT_SIZE))
+            throw XlsxFeil("Kan ikke lese " + navn);
+        if (st.size > maksDel) throw forStor(navn);
+        totalt += st.size;
+        if (totalt > maksTotalt) throw forStor({});
+    }
+}
+
+void Pakke::pakkUt(zip_uint64_t i, const std::string& del, std::string& ut) const
+{
+    zip_stat_t st;
+    zip_file_t* f = zip_stat_index(zip_, i, 0, &st) == 0 ? zip_fopen_index(zip_, i, 0) : nullptr;
+    if (!f) throw XlsxFeil("Kan ikke lese " + del);
+    ut.reserve(st.size);  // no more than the limit: checked on opening
+    char blokk[1 << 16];
+    zip_int64_t n;
+    while ((n = zip_fread(f, blokk, sizeof blokk)) > 0) {
+        pakketUt_ += static_cast<zip_uint64_t>(n);
+        if (ut.size() + static_cast<size_t>(n) > maksDel || pakketUt_ > maksTotalt) {
+            zip_fclose(f);
+            throw forStor(ut.size() + static_cast<size_t>(n) > maksDel ? del : std::string());
+        }
+        ut.append(blokk, static_cast<size_t>(n));
+    }
+    zip_fclose(f);
+    if (n < 0 || ut.size() != st.size) throw XlsxFeil("Kan ikke lese " + del);
 }
 
 Pakke::~Pakke()
@@ -79,21 +160,15 @@ bool Pakke::finnes(const std::string& del) const { return zip_name_locate(zip_, 
 std::string Pakke::lesDel(const std::string& del) const
 {
     zip_int64_t i = zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE);
-    zip_stat_t st;
-    if (i < 0 || zip_stat_index(zip_, static_cast<zip_uint64_t>(i), 0, &st) != 0)
-        throw XlsxFeil("Arbeidsboka mangler delen " + del);
-    zip_file_t* f = zip_fopen_index(zip_, static_cast<zip_uint64_t>(i), 0);
-    if (!f) throw XlsxFeil("Kan ikke lese " + del);
-    std::string ut(st.size, '\0');
-    zip_int64_t n = zip_fread(f, ut.data(), st.size);
-    zip_fclose(f);
-    if (n < 0 || static_cast<zip_uint64_t>(n) != st.size) throw XlsxFeil("Kan ikke lese " + del);
+    if (i < 0) throw XlsxFeil("Arbeidsboka mangler delen " + del);
+    std::string ut;
+    pakkUt(static_cast<zip_uint64_t>(i), del, ut);
     return ut;
 }
 
 void Pakke::lesXml(const std::string& del, pugi::xml_document& d) const
 {
-    xlsx::lesXml(d, lesDel(del), medDeklarasjon, "Ødelagt del i arbeidsboka: " + del, false);
+    xlsx::lesXml(d, lesDel(del), medDeklarasjon, del, "Ødelagt del i arbeidsboka: " + del, false);
 }
 
 std::vector<Relasjon> Pakke::relasjoner(const std::string& del) const

@@ -6,6 +6,7 @@
 #include <QString>
 #include <pugixml.hpp>
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -30,7 +31,11 @@ struct Endringer {
 
 class Pakke {
 public:
-    // Reads the file into memory; XlsxFeil when it is missing or no zip.
+    // Reads the file into memory; XlsxFeil when it is missing, no zip, or not a package this
+    // layer takes: a part named outside the package ("../", an absolute path) or a link, more
+    // than 10 000 parts, a part larger than 16 MB or all together larger than 48 MB unpacked
+    // by the zip directory. The directory may lie: the parts read are held to the same
+    // limits as they are unpacked.
     explicit Pakke(const QString& sti);
     ~Pakke();
     Pakke(const Pakke&) = delete;
@@ -38,7 +43,8 @@ public:
 
     // Whether the package holds the part; the name compares without case.
     bool finnes(const std::string& del) const;
-    // The bytes of a part; XlsxFeil when it is missing or cannot be read.
+    // The bytes of a part; XlsxFeil when it is missing or cannot be read, or grows past 16 MB,
+    // or past 48 MB together with the parts read before, as it is unpacked.
     std::string lesDel(const std::string& del) const;
     // A part read into d as an XML document, its declaration kept; XlsxFeil when it is not well-formed.
     void lesXml(const std::string& del, pugi::xml_document& d) const;
@@ -59,7 +65,14 @@ public:
     void skriv(const std::string& sti, const Endringer& endringer) const;
 
 private:
+    // The names and sizes of the zip directory: XlsxFeil for the first part that breaks a rule
+    // of the constructor.
+    void kontroller() const;
+    // Unpacks part nr i, named del, into ut, counting what is unpacked against the limits.
+    void pakkUt(uint64_t i, const std::string& del, std::string& ut) const;
+
     std::string data_;
+    mutable uint64_t pakketUt_ = 0;  // bytes unpacked from the parts read so far
     ::zip* zip_ = nullptr;
 };
 

@@ -49,8 +49,17 @@ std::string rentTekst(pugi::xml_node n)
     return s;
 }
 
-void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn)
+void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& del, const std::string& feil,
+            bool medGrunn)
 {
+    constexpr long maksElementer = 500000;
+    long elementer = 0;
+    const char* slutt = xml.data() + xml.size();
+    for (const char* p = xml.data(); (p = static_cast<const char*>(std::memchr(p, '<', slutt - p)));) {
+        ++p;
+        if (p < slutt && *p != '/' && *p != '?' && *p != '!' && ++elementer > maksElementer)
+            throw XlsxFeil("Delen " + del + " har mer enn 500 000 XML-elementer");
+    }
     auto res = d.load_buffer(xml.data(), xml.size(), valg);
     if (!res) throw XlsxFeil(medGrunn ? feil + " (" + res.description() + ")" : feil);
 }

@@ -35,9 +35,12 @@ inline pugi::xml_node barn(pugi::xml_node n, std::string_view navn)
 // The plain text of a string item or inline string: its <t> elements, phonetic hints (rPh) left out.
 std::string rentTekst(pugi::xml_node n);
 
-// Reads XML text into d; when it is not well-formed, XlsxFeil with the message feil,
-// followed by the parser's reason in brackets when medGrunn is set.
-void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& feil, bool medGrunn);
+// Reads the XML text of the part del into d; when it is not well-formed, XlsxFeil with the message
+// feil, followed by the parser's reason in brackets when medGrunn is set. A text of more than
+// 500 000 elements is refused before it is read: the document and the cells made of it would
+// take gigabytes.
+void lesXml(pugi::xml_document& d, std::string_view xml, unsigned valg, const std::string& del, const std::string& feil,
+            bool medGrunn);
 // The document as the parts are written: raw, without indentation or added line breaks.
 std::string skrivXml(const pugi::xml_document& d);
 

@@ -1,5 +1,7 @@
 #include "platform/xlsx/Formel.h"
 
+#include "platform/xlsx/Arbeidsbok.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -137,4 +139,30 @@ TEST(Formel, LagerDelerFormPaTversAvRader)
     // A fixed row, or another function name, is another shape.
     EXPECT_NE(lager.hent("=J$4+$B$1", 5, 3), f5);
     EXPECT_NE(lager.hent("=LOG10(J5)", 5, 3), lager.hent("=LOG11(J6)", 6, 3));
+}
+
+// Formulas of any length are computed without deep recursion; nesting is bounded with an error.
+TEST(Formel, LangeOgDypeFormler)
+{
+    Celler c = ark();
+    std::string minus(100000, '-');
+    EXPECT_EQ(c.x((minus + "3").c_str()), 3);
+    EXPECT_DOUBLE_EQ(c.x(("-" + minus + "G4%%").c_str()), -2.0 / 100 / 100);
+    std::string kjede = "0";
+    for (int i = 0; i < 100000; ++i) kjede += "+G4";
+    EXPECT_EQ(c.x(kjede.c_str()), 200000);
+    // 100 levels are read, more are refused with the cell and the limit named.
+    const auto nestet = [](int n) { return std::string(n, '(') + "1" + std::string(n, ')'); };
+    EXPECT_EQ(c.x(nestet(50).c_str()), 1);
+    EXPECT_EQ(c.x(("SUM(" + nestet(99) + ")").c_str()), 1);
+    try {
+        c.i(nestet(3000).c_str());
+        ADD_FAILURE() << "3000 nivåer ble lest";
+    } catch (const xlsx::XlsxFeil& e) {
+        EXPECT_STREQ(e.what(), "Formelen i Z99 har parenteser eller funksjoner nestet i mer enn 100 nivåer");
+    }
+    EXPECT_THROW(c.i(("SUM(" + nestet(100) + ")").c_str()), xlsx::XlsxFeil);
+    // An unfinished formula is read to its end and no further.
+    EXPECT_EQ(c.i("=(").tekst, "#NAME?");
+    EXPECT_EQ(c.i("SUM((1,").tekst, "#NAME?");
 }

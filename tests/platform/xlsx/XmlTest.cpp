@@ -22,7 +22,7 @@ TEST(Xml, OdelagtDokument)
     auto feil = [](bool grunn) {
         try {
             pugi::xml_document d;
-            lesXml(d, "<a><b></a>", pugi::parse_default, "Ødelagt del: a.xml", grunn);
+            lesXml(d, "<a><b></a>", pugi::parse_default, "a.xml", "Ødelagt del: a.xml", grunn);
         } catch (const XlsxFeil& f) {
             return std::string(f.what());
         }

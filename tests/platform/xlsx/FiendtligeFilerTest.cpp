@@ -1,0 +1,146 @@
+// Hostile workbooks, built here: formula chains as long as a sheet, zip bombs, zip directories
+// that lie, parts named outside the package, and entities in a DTD.
+#include "Hjelpere.h"
+
+#include <QTemporaryDir>
+
+#include <ctime>
+
+using namespace xlsx;
+
+namespace {
+
+class FiendtligBok : public ::testing::Test {
+protected:
+    // The hand-made workbook with sheet 1 holding these rows, or with a part replaced or added.
+    QString med(const std::string& del, const std::string& innhold)
+    {
+        test::Deler deler = test::handlagetBok();
+        auto it = std::find_if(deler.begin(), deler.end(), [&](auto& d) { return d.first == del; });
+        if (it == deler.end()) it = deler.insert(deler.end(), {del, {}});
+        it->second = innhold;
+        test::skrivZip(fil, deler);
+        return fil;
+    }
+    QString medRader(const std::string& rader)
+    {
+        return med("xl/worksheets/sheet1.xml",
+                   "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>" +
+                       rader + "</sheetData></worksheet>");
+    }
+    // The message the workbook layer refuses with, within two seconds of processor time (the
+    // tests share the machine); "godtatt" if it does not refuse.
+    std::string avvisning(const std::function<void()>& gjor)
+    {
+        const std::clock_t start = std::clock();
+        try {
+            gjor();
+        } catch (const XlsxFeil& e) {
+            EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC) << e.what();
+            return e.what();
+        }
+        return "godtatt";
+    }
+    std::string avvisning(const QString& sti)
+    {
+        return avvisning([&] { apne(sti); });
+    }
+    QTemporaryDir dir;
+    const QString fil = dir.filePath(QStringLiteral("mal.xlsx"));
+};
+
+// A cell of column P refers to the one below it over 8 000 rows, a time-remaining column; in
+// column Q the same chain closes a circle.
+TEST_F(FiendtligBok, FormelkjederSaLangeSomArket)
+{
+    std::string rader;
+    for (int r = 1; r <= 8000; ++r) {
+        const std::string neste = std::to_string(r < 8000 ? r + 1 : 1);
+        rader += "<row r=\"" + std::to_string(r) + "\"><c r=\"P" + std::to_string(r) + "\"><f>" +
+                 (r < 8000 ? "P" + neste + "+1" : "1") + "</f></c><c r=\"Q" + std::to_string(r) + "\"><f>Q" + neste +
+                 "</f></c></row>";
+    }
+    auto bok = apne(medRader(rader));
+    EXPECT_EQ(bok->ark(1).celle(1, 16), Verdi(8000.0));
+    EXPECT_EQ(bok->ark(1).celle(7999, 16), Verdi(2.0));
+    EXPECT_EQ(bok->ark(1).celle(4000, 17), Verdi(QStringLiteral("#REF!")));
+    bok->ark(1).settCelle(8001, 1, 1.0);
+    bok->lagreSom(dir.filePath(QStringLiteral("ut.xlsx")));
+    EXPECT_TRUE(test::har(test::lesZip(dir.filePath(QStringLiteral("ut.xlsx")))["xl/worksheets/sheet1.xml"].innhold,
+                          "P2+1</f><v>8000</v></c>"));
+}
+
+// A formula nested 3 000 levels deep stops the command with a workbook error.
+TEST_F(FiendtligBok, ForDypFormelGirFeil)
+{
+    auto bok = apne(medRader("<row r=\"1\"><c r=\"A1\"><f>" + std::string(3000, '(') + "1" + std::string(3000, ')') +
+                             "</f></c></row>"));
+    EXPECT_THROW(bok->ark(1).celle(1, 1), XlsxFeil);
+}
+
+// Parts that unpack past the limits are refused while they are unpacked, whatever the directory says.
+TEST_F(FiendtligBok, ZipbomberOgLyvendeKatalog)
+{
+    const std::string stor((16 << 20) + 1, ' ');
+    EXPECT_EQ(avvisning(med("xl/worksheets/sheet1.xml", stor)),
+              "Delen xl/worksheets/sheet1.xml er større enn 16 MB pakket ut");
+    test::Deler deler = test::handlagetBok();
+    for (const char* del : {"xl/media/a.bin", "xl/media/b.bin", "xl/media/c.bin", "xl/media/d.bin"})
+        deler.emplace_back(del, std::string(13 << 20, 'x'));
+    test::skrivZip(fil, deler);
+    EXPECT_EQ(avvisning(fil), "Arbeidsboka er større enn 48 MB pakket ut");
+    // Half a million cells and more are refused before they are read.
+    std::string celler;
+    for (int i = 0; i < 500001; ++i) celler += "<c/>";
+    const auto bok = apne(medRader("<row>" + celler + "</row>"));
+    EXPECT_EQ(avvisning([&] { bok->ark(1).celle(1, 1); }),
+              "Delen xl/worksheets/sheet1.xml har mer enn 500 000 XML-elementer");
+
+    // The sizes of sheet 1 in the local header and the directory changed: 4 GB, 10 bytes, refused
+    // on opening or when the sheet is read.
+    med("xl/worksheets/sheet1.xml", std::string(1 << 20, ' '));
+    QByteArray zip = test::filinnhold(fil);
+    for (uint32_t logn : {0xFFFFFFF0u, 10u}) {
+        for (auto [signatur, felt] : {std::pair{"PK\1\2", 24}, {"PK\3\4", 22}})
+            for (qsizetype p = zip.indexOf(signatur); p >= 0; p = zip.indexOf(signatur, p + 1))
+                if (zip.mid(p + (signatur[2] == 1 ? 46 : 30), 24) == "xl/worksheets/sheet1.xml")
+                    for (int i = 0; i < 4; ++i) zip[p + felt + i] = static_cast<char>(logn >> (8 * i));
+        QFile f(fil);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write(zip) == zip.size());
+        f.close();
+        EXPECT_NE(avvisning([&] { apne(fil)->ark(1).celle(1, 1); }), "godtatt") << logn;
+    }
+}
+
+// Parts named outside the package or stored as links are refused, not copied on.
+TEST_F(FiendtligBok, DelerUtenforPakken)
+{
+    EXPECT_EQ(avvisning(med("../../ut.txt", "x")), "Delen ../../ut.txt har et navn som peker ut av arbeidsboka");
+    EXPECT_EQ(avvisning(med("/etc/x", "x")), "Delen /etc/x har et navn som peker ut av arbeidsboka");
+    EXPECT_EQ(avvisning(med("xl\\..\\..\\x", "x")), "Delen xl\\..\\..\\x har et navn som peker ut av arbeidsboka");
+    med("xl/lenke", "/etc/passwd");
+    zip_t* z = zip_open(fil.toUtf8().constData(), 0, nullptr);
+    ASSERT_NE(z, nullptr);
+    zip_file_set_external_attributes(z, static_cast<zip_uint64_t>(zip_name_locate(z, "xl/lenke", 0)), 0, ZIP_OPSYS_UNIX,
+                                     0120777u << 16);
+    ASSERT_EQ(zip_close(z), 0);
+    EXPECT_EQ(avvisning(fil), "Delen xl/lenke er en lenke");
+}
+
+// Entities declared in a DTD are not expanded: a billion laughs stays a short text.
+TEST_F(FiendtligBok, DtdEntiteterUtvidesIkke)
+{
+    std::string dtd = "<!DOCTYPE sst [<!ENTITY l0 \"ha\">";
+    for (int i = 1; i <= 9; ++i) {
+        dtd += "<!ENTITY l" + std::to_string(i) + " \"";
+        for (int j = 0; j < 10; ++j) dtd += "&l" + std::to_string(i - 1) + ";";
+        dtd += "\">";
+    }
+    auto bok = apne(med("xl/sharedStrings.xml",
+                        "<?xml version=\"1.0\"?>" + dtd +
+                            "]><sst xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><si><t>&l9;</t>"
+                            "</si></sst>"));
+    EXPECT_EQ(bok->ark(1).celle(1, 1), Verdi(QStringLiteral("&l9;")));
+}
+
+}  // namespace
