@@ -195,12 +195,7 @@ double syklusfinning(app::Form1& f, dialogs::SkriptDialogs& d, QString& resultat
 int mal(const QString& mappe)
 {
     const QString data = mappe + QStringLiteral("/Data.mdb");
-    {
-        // The time indexes of the columns are made by the first search; start without them to measure that too.
-        db::Database d(data);
-        for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
-            d.utforSqlite(("DROP INDEX IF EXISTS DataLinjer_Tid_" + std::string(k)).c_str());
-    }
+    // The database is as the import left it: the first search below is the user's first after it.
     dialogs::SkriptDialogs dialogs;
     app::Form1 f(mappe, dialogs);
     f.velgAdsorpsjon(true);
@@ -243,7 +238,7 @@ int mal(const QString& mappe)
     std::printf("rader %lld, kolonne %s, %s\n", rader, qPrintable(K), qPrintable(resultat));
     std::printf("full lesing av kolonnen (SELECT %s FROM DataLinjer ORDER BY ID): %.3f s\n", qPrintable(K),
                 (full + full2) / 2);
-    std::printf("syklusfinning, første gang (lager tidsindeksen): %.3f s  (forhold %.2f)\n", forste,
+    std::printf("syklusfinning, første gang etter importen: %.3f s  (forhold %.2f), krav forhold <= 1\n", forste,
                 forste / ((full + full2) / 2));
     std::printf("syklusfinning med indeks: %.3f s (%.3f-%.3f)  (forhold %.2f), krav < 0,5 s\n", andre, senere[0],
                 senere[2], andre / ((full + full2) / 2));
@@ -252,7 +247,7 @@ int mal(const QString& mappe)
     for (const auto& [navn, ms] : endringer) std::printf("graf, %s med ny tegning: %.1f ms (verst av 5)\n", navn, ms);
     std::printf("graf, verste visningsendring: %.1f ms, krav < 100 ms  (de samme punktene som én sti: %.1f ms)\n",
                 verst, sti);
-    if (andre >= 0.5 || vist >= 1.0 || verst >= 100) {
+    if (forste > (full + full2) / 2 || andre >= 0.5 || vist >= 1.0 || verst >= 100) {
         std::puts("FOR TREG");
         return 1;
     }
