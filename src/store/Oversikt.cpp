@@ -59,20 +59,17 @@ std::optional<QString> innvending(const Oversikt& o, const QString& fil)
     if (o.nullLinje > 0)
         return QStringLiteral("Fila %1 er ikke en tekstfil: linje %2 inneholder nulltegn.").arg(fil).arg(o.nullLinje);
     if (o.overskriftLinje == 0) return QStringLiteral("Fila %1 er tom (%2 linjer uten tekst).").arg(fil).arg(o.linjer);
+    // "Overskriftslinja (linje N) i fila F har " + what is wrong with it.
+    const auto overskrift = [&](const QString& hva, qsizetype antall, int grense) {
+        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har ").arg(o.overskriftLinje).arg(fil) +
+               hva.arg(antall).arg(grense);
+    };
     if (o.overskriftFelt > MaksOverskriftsfelt)
-        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har %3 felt, men bare %4 felt kan få en "
-                              "kolonnebokstav (A til Å).")
-            .arg(o.overskriftLinje)
-            .arg(fil)
-            .arg(o.overskriftFelt)
-            .arg(MaksOverskriftsfelt);
+        return overskrift(QStringLiteral("%1 felt, men bare %2 felt kan få en kolonnebokstav (A til Å)."),
+                          o.overskriftFelt, MaksOverskriftsfelt);
     if (o.lengsteNavn > MaksNavn)
-        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har et felt på %3 tegn, men et kolonnenavn kan "
-                              "ha høyst %4 tegn.")
-            .arg(o.overskriftLinje)
-            .arg(fil)
-            .arg(o.lengsteNavn)
-            .arg(MaksNavn);
+        return overskrift(QStringLiteral("et felt på %1 tegn, men et kolonnenavn kan ha høyst %2 tegn."), o.lengsteNavn,
+                          MaksNavn);
     if (o.datalinjer == 0)
         return QStringLiteral("Fila %1 har bare overskriftslinja (linje %2) og ingen datalinjer.")
             .arg(fil)
