@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
 
 namespace app {
 
@@ -385,6 +386,8 @@ void FrmGraph::byggDiagram()
         s->attachAxis(tidAkse_);
         s->attachAxis(linAkse_);
     }
+    // The view lets go of the empty chart it was made with but does not delete it.
+    std::unique_ptr<QChart> tom(MSChart->chart());
     MSChart->setChart(chart);
 
     auto* kurve = new Kurve(chart, *this);
