@@ -20,7 +20,7 @@ namespace store {
 // A stretch of the file as the reader hands it over: the rows of its data lines and,
 // in the first one, the header's fields.
 struct Blokk {
-    static constexpr int Linjer = 20 * db::Masseinnsetting::Bunt;
+    static constexpr int Linjer = 100 * db::Masseinnsetting::Bunt;
     std::array<Rad, Linjer> rader;
     int antall = 0;
     bool tidFolgerId = true;  // no row has an earlier DatoTid than the row before it, in the stretch before too

@@ -20,13 +20,21 @@ QStringList nyeFiler(const Kontekst& k)
 
 }  // namespace
 
+void lagFraMal(const QString& mal, const QString& ny, db::Database& tom)
+{
+    {
+        db::Database kilde;
+        apneMaledata(kilde, mal);
+        kilde.kopierTil(ny);
+    }
+    tom.aapne(ny);
+    tomTabell(tom);
+}
+
 void lagFraMal(const QString& mal, const QString& ny)
 {
-    db::Database kilde;
-    apneMaledata(kilde, mal);
-    kilde.kopierTil(ny);
-    db::Database tom(ny);
-    tomTabell(tom);
+    db::Database tom;
+    lagFraMal(mal, ny, tom);
 }
 
 NyDatabase::~NyDatabase()
@@ -47,8 +55,7 @@ std::optional<QString> NyDatabase::lag()
     if (!files::FilFinnes(mal)) return QStringLiteral("Finner ikke databasemalen %1.").arg(mal) + Uendret;
     fjern();
     try {
-        lagFraMal(mal, ny);
-        db_.aapne(ny);
+        lagFraMal(mal, ny, db_);
     } catch (const db::DbFeil& e) {
         fjern();
         return QStringLiteral("Databasemalen %1 kan ikke brukes: %2.").arg(mal, QString::fromStdString(e.what())) +

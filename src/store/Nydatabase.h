@@ -14,8 +14,9 @@ inline const QString Uendret = QStringLiteral(" Ingenting er importert, og datab
 // Where the new database is built, beside Data.mdb.
 inline const QString NyDataFil = QStringLiteral("Data.mdb.import");
 
-// Writes a new, empty database from Template.mdb under the same key but with a salt of its own;
-// DbFeil when it cannot.
+// Writes a new, empty database from Template.mdb under the same key but with a salt of its own
+// and leaves `tom` open on it; DbFeil when it cannot.
+void lagFraMal(const QString& mal, const QString& ny, db::Database& tom);
 void lagFraMal(const QString& mal, const QString& ny);
 
 class NyDatabase {

@@ -121,7 +121,15 @@ QString setning::vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til)
 
 long long antallRader(db::Database& d)
 {
+    if (d.idUtenHull()) return idSpenn(d);
     return static_cast<long long>(d.spor(QStringLiteral("Select count(*) as Antall from dataLinjer")).tall("Antall"));
+}
+
+long long idSpenn(db::Database& d)
+{
+    return static_cast<long long>(
+        d.spor(QStringLiteral("Select (Select max(ID) from DataLinjer) - (Select min(ID) from DataLinjer) + 1 as Antall"))
+            .tall("Antall"));
 }
 
 db::Recordset kolonneMedTid(db::Database& d, const QString& K)

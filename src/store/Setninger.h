@@ -45,9 +45,11 @@ QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
 
 // ------------------------------------------------------------------ the queries
 
-// The number of rows, which every select of the whole table returns; count(*) reads it from the
-// small time index instead of walking every row.
+// The number of rows, which every select of the whole table returns: read off the lowest and the
+// highest ID where the import found them without a gap, else counted.
 long long antallRader(db::Database& d);
+// The highest ID less the lowest, plus one; 0 for an empty table.
+long long idSpenn(db::Database& d);
 // One column of every row in ID order, with the row's DatoTid and DatoTid_Tekst:
 // "Select DatoTid, DatoTid_Tekst, K from DataLinjer order by ID".
 db::Recordset kolonneMedTid(db::Database& d, const QString& K);

@@ -48,7 +48,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     // The same answers whether or not the store may read ID order from the time index.
     db::Database& k = f->kontekst().tilkobling;
     for (const bool tidFolgerId : {false, true}) {
-        k.settTidFolgerId(tidFolgerId);
+        k.settRadorden(tidFolgerId, false);
         for (const auto& t : tilfeller) {
             f->velgAdsorpsjon(t.ads);
             svar(u"1"_s, t.terskel, t.ja ? dialogs::Svar::Ja : dialogs::Svar::Nei);

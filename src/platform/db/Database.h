@@ -27,6 +27,7 @@ class Recordset;
 class Database {
 public:
     static constexpr const char* Passord = "tesko4NR";
+    static constexpr size_t Sidestorrelse = 4096;  // cipher_page_size of every database file
 
     Database() = default;
     explicit Database(const QString& fil) { aapne(fil); }
@@ -52,10 +53,16 @@ public:
     // Runs a statement given in SQLite's own text, untranslated (schema, pragmas).
     void utforSqlite(const char* sql);
 
-    // States whether DatoTid never decreases from one ID to the next in this file. The import
-    // states it for the rows it writes (kept in the file's user_version); the dialect then answers
-    // "order by ID" of a time-bounded statement from the time indexes. A file without it is read plainly.
-    void settTidFolgerId(bool folger);
+    // What the import states about the order of the rows it wrote, kept in the file's
+    // user_version. tidFolgerId: DatoTid never decreases from one ID to the next; the dialect then
+    // answers "order by ID" of a time-bounded statement from the time indexes. idUtenHull: the IDs
+    // run from the lowest to the highest without a gap, so the row count is read off the two ends.
+    // A file that states neither is read plainly.
+    void settRadorden(bool tidFolgerId, bool idUtenHull);
+    // Has the system start writing to the disk what the file has been given so far, without
+    // waiting for it, so that a long transaction's commit finds little left to flush.
+    void begynnSkrivingTilDisk() const;
+    bool idUtenHull() const { return idUtenHull_; }
 
 private:
     friend class Transaksjon;
@@ -73,6 +80,7 @@ private:
     sqlite3* db_ = nullptr;
     QString fil_;
     bool tidFolgerId_ = false;
+    bool idUtenHull_ = false;
 };
 
 // Groups statements into one transaction; rolled back unless committed.
