@@ -117,4 +117,30 @@ double startForskyvning(const vb::Dato& start, const vb::Dato& t)
     return static_cast<double>(vb::sekunderMellom(start, t)) / 60.0;
 }
 
+Bakgrunnslagring::~Bakgrunnslagring()
+{
+    if (lagring_.valid()) lagring_.wait();
+}
+
+void Bakgrunnslagring::lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti)
+{
+    vent();
+    lagring_ = std::async(std::launch::async, [bok = std::move(bok), sti] { bok->lagreSom(sti); });
+}
+
+void Bakgrunnslagring::vent()
+{
+    if (lagring_.valid()) lagring_.get();
+}
+
+Utfall Bakgrunnslagring::stoppet(const std::exception& e, const std::function<Utfall(const std::exception&)>& vis)
+{
+    try {
+        vent();
+    } catch (const std::exception& forst) {
+        return vis(forst);
+    }
+    return vis(e);
+}
+
 }  // namespace exports

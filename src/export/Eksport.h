@@ -5,9 +5,13 @@
 
 #include "files/SnuPunkter.h"
 #include "platform/Kontekst.h"
+#include "platform/xlsx/Arbeidsbok.h"
 
 #include <QElapsedTimer>
 #include <QStringList>
+#include <functional>
+#include <future>
+#include <memory>
 #include <optional>
 
 namespace exports {
@@ -89,6 +93,28 @@ public:
 
 private:
     QStringList linjer_;
+};
+
+// Saves workbooks on a second thread, one at a time, so that a command fills its next workbook
+// while the last one is compressed and written.
+class Bakgrunnslagring {
+public:
+    Bakgrunnslagring() = default;
+    // Waits for the workbook being saved; its error is dropped here, so call vent() to see it.
+    ~Bakgrunnslagring();
+    Bakgrunnslagring(const Bakgrunnslagring&) = delete;
+    Bakgrunnslagring& operator=(const Bakgrunnslagring&) = delete;
+
+    // Waits for the last workbook, then starts saving bok as sti.
+    void lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti);
+    // Waits for the workbook being saved and throws its error, if it failed.
+    void vent();
+    // The command stopped with e: shows through vis the error of the workbook being saved, which
+    // came first, or else e.
+    Utfall stoppet(const std::exception& e, const std::function<Utfall(const std::exception&)>& vis);
+
+private:
+    std::future<void> lagring_;
 };
 
 // Minutes from the data start to t as a fraction: whole seconds / 60.

@@ -17,14 +17,14 @@ constexpr std::array<const char*, 9> Verdikolonner = {"C", "D", "E", "F", "G", "
 }  // namespace
 
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
-                  const vb::Dato& StartTid, Udekket& udekket)
+                  const vb::Dato& StartTid, Udekket& udekket, Bakgrunnslagring& lagring)
 {
     const QString mal = k.sti(MalSykluser);
     if (!files::FilFinnes(mal)) {
         k.dialogs.info(QStringLiteral("Du mangler malfila"));
         return;
     }
-    const auto bok = xlsx::apne(mal);
+    auto bok = xlsx::apne(mal);
     xlsx::Arbeidsark& data = bok->ark(1);
 
     const double forskyvning = startForskyvning(StartTid, Poster.dato("DatoTid"));
@@ -53,12 +53,13 @@ void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, in
     grafer.diagram(1).settKategoriMinimum(akseStart);
     grafer.diagram(2).settKategoriMinimum(akseStart);
     const QString fil = Filnavn + QLatin1Char('_') + QString::number(SyklusNr) + QStringLiteral(".xlsx");
-    bok->lagreSom(utFil(k, fil));
+    lagring.lagreSom(std::move(bok), utFil(k, fil));
     udekket.merk(SyklusNr, rad - 1, dekket, fil);
 }
 
 Utfall Command3_Click(Kontekst& k)
 {
+    Bakgrunnslagring lagring;
     try {
         const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
@@ -77,14 +78,15 @@ Utfall Command3_Click(Kontekst& k)
                 const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
                 if (vb::tall(k.vindu.forsteSyklus()) > syklus) continue;
                 auto poster = store::vinduRader(k.tilkobling, false, fra, til);
-                if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start, udekket);
+                if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start, udekket, lagring);
             }
+            lagring.vent();
         }
         k.dialogs.info(QStringLiteral("Eksporten er ferdig!"));
         udekket.vis(k.dialogs);
         return Utfall::Ferdig;
     } catch (const std::exception& e) {
-        return eksportFeil(k, e);
+        return lagring.stoppet(e, [&k](const std::exception& f) { return eksportFeil(k, f); });
     }
 }
 

@@ -14,8 +14,8 @@ Utfall Command3_Click(Kontekst& k);
 // Writes the rows of Poster (positioned on its first row) into a copy of the cycle template
 // and saves it for cycle SyklusNr. A missing template gives "Du mangler malfila" and writes
 // nothing; any other failure is thrown to the caller. Rows the template's charts cannot draw
-// are noted in udekket.
+// are noted in udekket. The workbook is saved through lagring, while the next cycle is filled.
 void LagSyklusfil(Kontekst& k, const QString& Filnavn, db::Recordset& Poster, int16_t SyklusNr,
-                  const vb::Dato& StartTid, Udekket& udekket);
+                  const vb::Dato& StartTid, Udekket& udekket, Bakgrunnslagring& lagring);
 
 }  // namespace exports

@@ -44,7 +44,8 @@ int16_t minutter(Kontekst& k, const dialogs::Sporsmal& sporsmal)
 }  // namespace
 
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
-                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket)
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket,
+                        Bakgrunnslagring& lagring)
 {
     if (!files::FilFinnes(k.sti(MalEnkel))) {
         k.dialogs.info(QStringLiteral("Du mangler malfila for enkeltsyklusene"));
@@ -99,6 +100,7 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     }
     const int dekket = ark.fyllNed();  // the area elements of column G reach every written row
     ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
+    lagring.vent();  // the last cycle's workbook is written before the summary takes this one
     samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
     for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
 
@@ -114,13 +116,14 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     samle.reset();
     udekket.merk(SyklusNr, SyklusNr + 1, samleDekket, samleFil);
     const QString fil = Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx");
-    integrering->lagreSom(utFil(k, fil));
+    lagring.lagreSom(std::move(integrering), utFil(k, fil));
     udekket.merk(SyklusNr, rad - 1, dekket, fil);
 }
 
 Utfall Command12_Click(Kontekst& k)
 {
     Udekket udekket;
+    Bakgrunnslagring lagring;
     try {
         const auto [snu, utfall] = forberedEksport(k, SporEnkeltfiler);
         if (!snu) return utfall;
@@ -142,11 +145,14 @@ Utfall Command12_Click(Kontekst& k)
             auto posterEtter = store::vinduRader(k.tilkobling, true, snupunkt, snupunkt.leggTilMinutter(etter));
             if (!posterFor.eof())
                 LagIntegreringsfil(k, prefiks, posterFor, posterEtter, syklus, start,
-                                   vb::heltall16(k.vindu.sisteSyklus()), udekket);
+                                   vb::heltall16(k.vindu.sisteSyklus()), udekket, lagring);
         }
+        lagring.vent();
     } catch (const std::exception& e) {
-        k.dialogs.info(FeilMelding + QStringLiteral("\n\n") + QString::fromStdString(e.what()));
-        return Utfall::Avvist;
+        return lagring.stoppet(e, [&k](const std::exception& f) {
+            k.dialogs.info(FeilMelding + QStringLiteral("\n\n") + QString::fromStdString(f.what()));
+            return Utfall::Avvist;
+        });
     }
     k.dialogs.info(QStringLiteral("Eksporten er ferdig"));
     udekket.vis(k.dialogs);

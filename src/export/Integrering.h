@@ -18,8 +18,10 @@ Utfall Command12_Click(Kontekst& k);
 
 // Writes and saves the integration workbook of one cycle and enters its area into the
 // summary. PosterFor is on its first row; PosterEtter on its first row or at its end. Rows the
-// templates' charts cannot draw are noted in udekket.
+// templates' charts cannot draw are noted in udekket. The workbook is saved through lagring,
+// while the next cycle is filled; the summary is saved before this returns.
 void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& PosterFor, db::Recordset& PosterEtter,
-                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket);
+                        int16_t SyklusNr, const vb::Dato& StartTid, int16_t SisteSyklus, Udekket& udekket,
+                        Bakgrunnslagring& lagring);
 
 }  // namespace exports

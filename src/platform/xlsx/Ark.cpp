@@ -188,7 +188,7 @@ long Ark::nyStil(const Rad& rad, int kol) const
 
 formel::Tolkelager& Ark::tolkelager()
 {
-    static formel::Tolkelager lager;
+    thread_local formel::Tolkelager lager;  // workbooks are saved on a thread of their own
     return lager;
 }
 
