@@ -72,7 +72,7 @@ Utfall sokAutomatisk(Kontekst& k)
     const QString K = files::HentKode(k.vindu.kolonneTekst());
     // The searched column's own first value sizes the step: the level the signal starts from.
     const float R = store::HentVerdi(K, *start);
-    const auto lager = store::forberedSok(k.tilkobling, K);
+    store::forberedSok(k.tilkobling, K);
     const std::optional<double> Minimum = store::minimum(k.tilkobling, K, sokStart);
     if (!Minimum) return Utfall::Avvist;
     const float D = vb::enkel(std::abs(R - *Minimum) / 10.0);

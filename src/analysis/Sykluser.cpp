@@ -40,7 +40,7 @@ Utfall finnSykluser(Kontekst& k)
     const vb::Dato dataStartTid = start->dato("DatoTid");
     const vb::Dato sokStart = dataStartTid.leggTilMinutter(X);
     const QString K = files::HentKode(k.vindu.kolonneTekst());
-    const auto lager = store::forberedSok(k.tilkobling, K);
+    store::forberedSok(k.tilkobling, K);
     const std::optional<double> Minimum = store::minimum(k.tilkobling, K, sokStart);
 
     files::slettSnuPunkter(k);

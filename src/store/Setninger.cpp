@@ -157,11 +157,7 @@ bool harRader(db::Database& d)
     return !d.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)")).eof();
 }
 
-db::StortMellomlager forberedSok(db::Database& d, const QString& K)
-{
-    sikreTidsindeks(d, K);
-    return db::StortMellomlager(d);
-}
+void forberedSok(db::Database& d, const QString& K) { sikreTidsindeks(d, K); }
 
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
 {

@@ -62,14 +62,14 @@ std::optional<vb::Dato> forsteTid(db::Database& d);
 // Whether the table holds a row, as the combined export asks it.
 bool harRader(db::Database& d);
 
-// Makes the column's time index when it is missing and keeps a large page cache while the
-// returned guard lives. The index, on (DatoTid, ID, K) for a value column K, is made by the
-// import for the CO2 column and otherwise the first time the column is searched, and kept until
-// the next import replaces Data.mdb. It holds all
-// that a search reads, so the minimum, the hit rows and each turning point come from it alone,
-// in time order, without the much wider table rows; the cache keeps it decrypted between them.
-// Other letters get no index, and a database that cannot take it is searched without it.
-[[nodiscard]] db::StortMellomlager forberedSok(db::Database& d, const QString& K);
+// Makes the column's time index when it is missing. The index, on (DatoTid, ID, K) for a value
+// column K, is made by the import for the CO2 column and otherwise the first time the column is
+// searched, and kept until the next import replaces Data.mdb. It holds all that a search reads,
+// so the minimum, the hit rows and each turning point come from it alone, in time order, without
+// the much wider table rows. (A large page cache that kept it decrypted between the two scans
+// cost more in fresh memory on the first search than the second scan costs.) Other letters get
+// no index, and a database that cannot take it is searched without it.
+void forberedSok(db::Database& d, const QString& K);
 // The column's smallest value after the search start (empty when no row lies after it).
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
 // DatoTid and Verdi of the rows after the search start whose value in K lies below the

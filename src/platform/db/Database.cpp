@@ -5,7 +5,6 @@
 #include <QFile>
 #include <sqlite3.h>
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace db {
@@ -51,30 +50,6 @@ QString Database::grunn() const
     }
 }
 
-namespace {
-
-// The memory SQLite keeps its cached pages in, for every connection: one reserved stretch of
-// address space that takes the large cache of a search (db::StortMellomlager) and is backed by
-// the kernel's huge pages where it has them. Pages taken one by one from the heap cost a page
-// fault each the first time; for the 10 000 pages of a time index that was a third of the
-// first search after an import. Nothing is in memory until it is used; beyond the stretch
-// SQLite takes its pages from the heap as usual.
-void sideomrade()
-{
-    constexpr size_t Sider = 26000;  // the large cache's 100 MB and a little more
-    int hode = 0;
-    if (sqlite3_config(SQLITE_CONFIG_PCACHE_HDRSZ, &hode) != SQLITE_OK) return;
-    const size_t plass = (Database::Sidestorrelse + static_cast<size_t>(hode) + 7) / 8 * 8;
-    void* omrade = mmap(nullptr, plass * Sider, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
-                        -1, 0);
-    if (omrade == MAP_FAILED) return;
-    madvise(omrade, plass * Sider, MADV_HUGEPAGE);
-    if (sqlite3_config(SQLITE_CONFIG_PAGECACHE, omrade, static_cast<int>(plass), static_cast<int>(Sider)) != SQLITE_OK)
-        munmap(omrade, plass * Sider);
-}
-
-}  // namespace
-
 void Database::apneFil(const QString& fil, int flagg)
 {
     // Every connection is used by one thread only: SQLite's own locking and its memory
@@ -82,7 +57,6 @@ void Database::apneFil(const QString& fil, int flagg)
     static const bool konfigurert = [] {
         sqlite3_config(SQLITE_CONFIG_MULTITHREAD);
         sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-        sideomrade();
         return true;
     }();
     (void)konfigurert;
@@ -209,18 +183,6 @@ void Transaksjon::fullfor()
 {
     db_.utforSqlite("COMMIT");
     aktiv_ = false;
-}
-
-StortMellomlager::StortMellomlager(Database& db)
-    : db_(db),
-      vanlig_("PRAGMA cache_size = " + std::to_string(static_cast<long long>(db.spor("PRAGMA cache_size").tall(0))))
-{
-    db_.utforSqlite("PRAGMA cache_size = -100000");  // 100 MB: twice the time index of a million rows
-}
-
-StortMellomlager::~StortMellomlager()
-{
-    if (db_.erApen()) sqlite3_exec(db_.handle(), vanlig_.c_str(), nullptr, nullptr, nullptr);
 }
 
 Recordset::Recordset(sqlite3* db, sqlite3_stmt* stmt) : db_(db), stmt_(stmt)

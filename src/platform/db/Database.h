@@ -27,7 +27,6 @@ class Recordset;
 class Database {
 public:
     static constexpr const char* Passord = "tesko4NR";
-    static constexpr size_t Sidestorrelse = 4096;  // cipher_page_size of every database file
 
     Database() = default;
     explicit Database(const QString& fil) { aapne(fil); }
@@ -66,7 +65,6 @@ public:
 
 private:
     friend class Transaksjon;
-    friend class StortMellomlager;
     friend class Masseinnsetting;
 
     // A statement in SQLite's own text, prepared for repeated use with bound values.
@@ -93,20 +91,6 @@ public:
 private:
     Database& db_;
     bool aktiv_ = true;
-};
-
-// Raises the connection's page cache while it lives, for work that reads the same pages more
-// than once, and sets it back afterwards, which gives the memory back.
-class StortMellomlager {
-public:
-    explicit StortMellomlager(Database& db);
-    ~StortMellomlager();
-    StortMellomlager(const StortMellomlager&) = delete;
-    StortMellomlager& operator=(const StortMellomlager&) = delete;
-
-private:
-    Database& db_;
-    std::string vanlig_;
 };
 
 // Rows of a select statement, read forwards.
