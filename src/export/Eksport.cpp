@@ -117,20 +117,64 @@ double startForskyvning(const vb::Dato& start, const vb::Dato& t)
     return static_cast<double>(vb::sekunderMellom(start, t)) / 60.0;
 }
 
+Bakgrunnslagring::Bakgrunnslagring() : traad_([this] { kjor(); }) {}
+
 Bakgrunnslagring::~Bakgrunnslagring()
 {
-    if (lagring_.valid()) lagring_.wait();
+    {
+        std::lock_guard laas(mutex_);
+        slutt_ = true;
+    }
+    endret_.notify_all();
+    traad_.join();
+}
+
+void Bakgrunnslagring::kjor()
+{
+    std::unique_lock laas(mutex_);
+    for (;;) {
+        endret_.wait(laas, [this] { return slutt_ || lagrer_; });
+        if (!lagrer_) return;
+        laas.unlock();
+        std::exception_ptr feil;
+        try {
+            bok_->lagreSom(sti_);
+        } catch (...) {
+            feil = std::current_exception();
+        }
+        laas.lock();
+        lagrer_ = false;
+        feil_ = feil;
+        endret_.notify_all();
+    }
 }
 
 void Bakgrunnslagring::lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti)
 {
     vent();
-    lagring_ = std::async(std::launch::async, [bok = std::move(bok), sti] { bok->lagreSom(sti); });
+    {
+        std::lock_guard laas(mutex_);
+        bok_ = std::move(bok);
+        sti_ = sti;
+        lagrer_ = true;
+    }
+    endret_.notify_all();
 }
 
 void Bakgrunnslagring::vent()
 {
-    if (lagring_.valid()) lagring_.get();
+    std::unique_ptr<xlsx::Arbeidsbok> lagret;
+    std::exception_ptr feil;
+    {
+        std::unique_lock laas(mutex_);
+        endret_.wait(laas, [this] { return !lagrer_; });
+        lagret = std::move(bok_);
+        feil = std::exchange(feil_, nullptr);
+    }
+    // The workbook is freed here, by the thread that made it: freeing its many small pieces
+    // from the other thread made both threads wait on the memory allocator.
+    lagret.reset();
+    if (feil) std::rethrow_exception(feil);
 }
 
 Utfall Bakgrunnslagring::stoppet(const std::exception& e, const std::function<Utfall(const std::exception&)>& vis)

@@ -9,10 +9,13 @@
 
 #include <QElapsedTimer>
 #include <QStringList>
+#include <condition_variable>
+#include <exception>
 #include <functional>
-#include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <thread>
 
 namespace exports {
 
@@ -96,10 +99,11 @@ private:
 };
 
 // Saves workbooks on a second thread, one at a time, so that a command fills its next workbook
-// while the last one is compressed and written.
+// while the last one is compressed and written. The thread lives as long as the object, so the
+// formulas it has read once are known to it for the next workbooks.
 class Bakgrunnslagring {
 public:
-    Bakgrunnslagring() = default;
+    Bakgrunnslagring();
     // Waits for the workbook being saved; its error is dropped here, so call vent() to see it.
     ~Bakgrunnslagring();
     Bakgrunnslagring(const Bakgrunnslagring&) = delete;
@@ -114,7 +118,16 @@ public:
     Utfall stoppet(const std::exception& e, const std::function<Utfall(const std::exception&)>& vis);
 
 private:
-    std::future<void> lagring_;
+    void kjor();
+
+    std::mutex mutex_;
+    std::condition_variable endret_;
+    std::unique_ptr<xlsx::Arbeidsbok> bok_;  // the workbook given to save, freed by vent()
+    QString sti_;
+    bool lagrer_ = false;  // bok_ is being saved
+    std::exception_ptr feil_;
+    bool slutt_ = false;
+    std::thread traad_;
 };
 
 // Minutes from the data start to t as a fraction: whole seconds / 60.
