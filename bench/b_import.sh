@@ -8,7 +8,8 @@ LINJER="${LINJER:-1000000}"
 data="$BUILD/bench-data"
 fil="$data/radata_${LINJER}.csv"
 mkdir -p "$data"
-[ -f "$fil" ] || "$BUILD/tools/lag_radata" --lines "$LINJER" --channels 6 "$fil"
+# A file kept from an earlier run is made again when the generator has changed since.
+[ "$fil" -nt "$BUILD/tools/lag_radata" ] || "$BUILD/tools/lag_radata" --lines "$LINJER" --channels 6 "$fil"
 
 arbeid="$(mktemp -d)"
 trap 'rm -rf "$arbeid"' EXIT

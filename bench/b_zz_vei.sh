@@ -14,7 +14,8 @@ here="$(cd "$(dirname "$0")" && pwd)"
 : "${BUILD:?BUILD must name the build folder}"
 fil="$BUILD/bench-data/radata_1000000_seed7.csv"
 mkdir -p "$BUILD/bench-data"
-[ -f "$fil" ] || "$BUILD/tools/lag_radata" --lines 1000000 --channels 6 --seed 7 "$fil"
+# A file kept from an earlier run is made again when the generator has changed since.
+[ "$fil" -nt "$BUILD/tools/lag_radata" ] || "$BUILD/tools/lag_radata" --lines 1000000 --channels 6 --seed 7 "$fil"
 
 arbeid="$(mktemp -d)"
 trap 'rm -rf "$arbeid"' EXIT

@@ -5,16 +5,42 @@
 //              [--interval SEK] [--startup MIN] OUTFILE
 //
 // Header "Date,Time,N2,O2,Ar,CO2,...," then one line per logged sample "2013/01/07,08:00:02,
-// 4.9981E-09,...," (CR LF, trailing comma) with ion currents in E-notation. The rig first runs
-// a start-up period (pump-down, signals settling), then cycles of 200 minutes: CO2 (the fourth
-// channel, column F as the lab's logger has it; the last one in a narrower file) falls to a low plateau about 2500
-// times below its feed level while the sorbent takes it up, then rises again through breakthrough into the desorption
-// peak and settles back to the feed level. Samples come every SEK seconds (default 2) with a little jitter; now and
-// then the logger misses 20 to 90 seconds, never inside a plateau, so a plateau stays one run of rows.
+// 4.9981E-09,...," (CR LF, trailing comma) with ion currents in E-notation. CO2 is the fourth
+// channel (column F, as the lab's logger has it), the last one in a narrower file.
+//
+// The rig first runs a start-up period (the chamber pumped down: every signal falls from three
+// times its level), then cycles of 200 minutes. In each cycle, counted from its start:
+//   - until minute 20 the feed passes the bed and CO2 stands at its feed level; at minute 18
+//     the feed line is pressurised before the bed is opened, and every signal surges by 60 %
+//     for about a minute and a half;
+//   - at minute 20 the valves put the feed on the bed, and from the next sample on CO2 lies on
+//     a low plateau 2500 times below the feed level; the plateau rises slowly (to three times
+//     its start) as the front moves through the sorbent;
+//   - at minute 70 the heating starts: CO2 comes off the sorbent, first steeply (it passes 4 %
+//     of the feed level some eight minutes later), then ever faster as the bed warms, up to the
+//     desorption peak, about five times the feed level, at minute 150, when the heating stops;
+//     it is back at the feed level about half an hour later and stays there until the next
+//     cycle. The purge gas of the heating dilutes the other channels a little.
+// The analysis relies on this shape. In Adsorpsjon the turning point (a group's smallest value)
+// is the plateau's start, and the combined workbook's zero point is counted from the pressure
+// surge two minutes before it. In Desorpsjon the turning point (a group's largest value) is the
+// plateau's end, where the heating lifts CO2 through the threshold, and the zero point lies ten
+// minutes before the desorption peak, some 72 minutes after the turning point. The switch falls
+// on a whole second (with a start-up of whole minutes), so even a file of several lines a second
+// has no row of the drop in the second of a plateau's first row; a group's first rows are
+// plateau rows and never compete with its last ones.
+//
+// Noise as the lab's spectrometer has it: 0.5 % of the signal plus a floor of 2E-14 A. Samples
+// come every SEK seconds (default 2; up to 8, since rows of a plateau must follow within 10
+// seconds) with a little jitter; now and then the logger misses 20 to 90 seconds, never between
+// the pressure surge and the heating's rise, so a plateau stays one run of rows.
 //
 // --hours H gives H hours of samples. --lines N gives N lines; when N samples at the interval
 // would span more than 30 cycles, the interval shrinks so that the file holds the start-up,
-// 30 whole cycles and the plateau of a 31st (for 1 000 000 lines about 0.38 s per line).
+// 30 whole cycles and most of the plateau of a 31st (for 1 000 000 lines about 0.38 s per
+// line). The example files are
+//   lag_radata --hours 8 --interval 3 --channels 4 --startup 40 --seed 4 examples/eksempel_4_kanaler.csv
+//   lag_radata --hours 12 --interval 5 --channels 6 --startup 40 --seed 6 examples/eksempel_6_kanaler.csv
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -29,7 +55,11 @@ namespace {
 
 constexpr double SyklusMin = 200.0;
 constexpr int MaksSykluser = 30;
-constexpr double PlateauFra = 25.0, PlateauTil = 110.0;  // minutes into a cycle
+// Minutes into a cycle.
+constexpr double Trykkstot = 18.0, Ventilskift = 20.0, Oppvarming = 70.0, Toppen = 150.0;
+constexpr double RelativStoy = 0.005;   // of the signal
+constexpr double StoyGulv = 2.0e-14;    // A, the spectrometer's floor
+constexpr double SisteFraSlutt = 10.0;  // a --lines file ends this many minutes before the 31st heating
 
 struct Kanal {
     const char* navn;
@@ -50,32 +80,59 @@ int kanal(int k, int kanaler)
 }
 constexpr int MaksKanaler = sizeof Kanaler / sizeof Kanaler[0];
 
+// The pressure surge before the switch, a factor on every signal.
+double trykk(double m)
+{
+    const double u = (m - Trykkstot) / 0.7;
+    return std::abs(u) > 8.0 ? 1.0 : 1.0 + 0.6 * std::exp(-0.5 * u * u);
+}
+
+// CO2 behind the bed while the sorbent takes it up: the plateau, rising slowly as the front moves on.
+double plateau(double m)
+{
+    const double lav = 4.0e-4;
+    return lav * (1.0 + 2.0 * (1.0 - std::exp(-(m - Ventilskift) / 12.0)));
+}
+
+// CO2 driven off by the heating, x minutes after it started (0 at x = 0): the release sets in
+// steeply (e-folding in 4 minutes, half under way after 15), then grows on by e every 25 minutes
+// as the bed warms, up to five times the feed level when the heating stops.
+double desorbert(double x)
+{
+    const auto kurve = [](double x) {
+        const double innsats = 1.0 / (1.0 + std::exp(-(x - 15.4) / 4.0));
+        return 5.0 * std::exp((x - (Toppen - Oppvarming)) / 25.0) * innsats;
+    };
+    return kurve(x) - kurve(0.0);
+}
+
 // CO2 relative to its feed level at minute m of a cycle.
 double co2Syklus(double m)
 {
-    const double lav = 4.0e-4;
-    if (m < 20.0) return 1.0;
-    if (m < PlateauFra) return std::exp(std::log(lav) * (m - 20.0) / 5.0);  // sorbent takes the CO2
-    if (m < PlateauTil) return lav;
-    // breakthrough, then heating: the desorption peak, six times the feed level at minute 135
-    const double gjennom = lav + (1.0 - lav) / (1.0 + std::exp(-(m - 118.0) / 2.0));
-    const double topp = 5.0 * std::exp(-0.5 * std::pow((m - 135.0) / 7.0, 2));
-    return gjennom + topp;
+    if (m < Ventilskift) return trykk(m);
+    if (m < Oppvarming) return plateau(m);
+    if (m < Toppen) return plateau(m) + desorbert(m - Oppvarming);
+    const double topp = plateau(Toppen) + desorbert(Toppen - Oppvarming);
+    return 1.0 + (topp - 1.0) * std::exp(-(m - Toppen) / 5.0);
 }
 
-bool iPlateau(double minutt, double oppstart)
+// Minute of the cycle, or -1 in the start-up.
+double syklusMinutt(double minutt, double oppstart)
 {
-    if (minutt < oppstart) return false;
-    const double m = std::fmod(minutt - oppstart, SyklusMin);
-    return m >= PlateauFra - 6.0 && m < PlateauTil + 8.0;
+    return minutt < oppstart ? -1.0 : std::fmod(minutt - oppstart, SyklusMin);
 }
 
-// Relative level of the other channel k (from 1) at minute m of the experiment.
-double annenKanal(int k, double minutt, double oppstart)
+// From the pressure surge to the heating's rise through every threshold the search might use.
+bool iPlateau(double m) { return m >= Trykkstot - 4.0 && m < Oppvarming + 20.0; }
+
+// Relative level of the other channel k (from 1) at minute m of the cycle (-1: start-up).
+double annenKanal(int k, double minutt, double m)
 {
-    const double m = minutt < oppstart ? -1.0 : std::fmod(minutt - oppstart, SyklusMin);
-    double r = 1.0 + 0.02 * std::sin(minutt / (90.0 + 17.0 * k));                            // slow drift
-    if (m >= 120.0 && m < 150.0) r *= 1.0 - 0.08 * std::sin((m - 120.0) / 30.0 * M_PI) / k;  // purge during heating
+    double r = 1.0 + 0.02 * std::sin(minutt / (90.0 + 17.0 * k));  // slow drift
+    if (m < 0) return r;
+    r *= trykk(m);
+    if (m >= Oppvarming && m < Toppen)  // the purge gas of the heating
+        r *= 1.0 - 0.08 * std::sin((m - Oppvarming) / (Toppen - Oppvarming) * M_PI) / k;
     return r;
 }
 
@@ -122,7 +179,7 @@ int main(int argc, char** argv)
     if (linjer < 0)
         linjer = static_cast<long long>((timer >= 0 ? timer : 6.0) * 3600.0 / intervall);
     else {
-        const double lengsteSek = (oppstart + MaksSykluser * SyklusMin + PlateauTil) * 60.0;
+        const double lengsteSek = (oppstart + MaksSykluser * SyklusMin + Oppvarming - SisteFraSlutt) * 60.0;
         if (linjer * intervall > lengsteSek) intervall = lengsteSek / static_cast<double>(linjer);
     }
 
@@ -141,29 +198,30 @@ int main(int argc, char** argv)
     std::mt19937_64 tilfeldig(seed);
     std::normal_distribution<double> stoy(0.0, 1.0);
     std::uniform_real_distribution<double> enhet(0.0, 1.0);
-    const time_t start = 1357545600;                // 2013-01-07 08:00:00 (read as UTC)
-    const double gapPerSek = 1.0 / (7.0 * 3600.0);  // about one logging gap every seven hours
+    const time_t start = 1357545600;                 // 2013-01-07 08:00:00 (read as UTC)
+    const double gapPerSek = 1.0 / (7.0 * 3600.0);   // about one logging gap every seven hours
+    const double nedpumping = oppstart / 8.0 + 0.1;  // minutes; settled well before the first cycle
 
     double t = 0.0;
     char linje[512];
     for (long long n = 0; n < linjer; ++n) {
         t += intervall * (1.0 + 0.1 * std::max(-2.5, std::min(2.5, stoy(tilfeldig))));
-        const double minutt = t / 60.0;
-        if (!iPlateau(minutt, oppstart) && enhet(tilfeldig) < gapPerSek * intervall)
-            t += 20.0 + 70.0 * enhet(tilfeldig);
+        const double minutt = t / 60.0, m = syklusMinutt(minutt, oppstart);
+        if (!iPlateau(m) && enhet(tilfeldig) < gapPerSek * intervall) t += 20.0 + 70.0 * enhet(tilfeldig);
 
         const time_t sek = start + static_cast<time_t>(t);
         std::tm tm{};
         gmtime_r(&sek, &tm);
         int p = std::snprintf(linje, sizeof linje, "%04d/%02d/%02d,%02d:%02d:%02d", tm.tm_year + 1900, tm.tm_mon + 1,
                               tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec);
-        // Start-up: every signal falls from a higher level as the chamber is pumped down.
-        const double oppstartFaktor = minutt < oppstart ? 1.0 + 2.0 * std::exp(-minutt / (oppstart / 4.0 + 1.0)) : 1.0;
+        const double pumping = 1.0 + 2.0 * std::exp(-minutt / nedpumping);
         for (int k = 0; k < kanaler; ++k) {
             const int i = kanal(k, kanaler);
-            double r = i == Co2Plass ? (minutt < oppstart ? 1.0 : co2Syklus(std::fmod(minutt - oppstart, SyklusMin)))
-                                     : annenKanal(i + 1, minutt, oppstart);
-            const double verdi = Kanaler[i].niva * r * oppstartFaktor * (1.0 + 0.03 * stoy(tilfeldig));
+            const double r = i == Co2Plass ? (m < 0 ? 1.0 : co2Syklus(m)) : annenKanal(i + 1, minutt, m);
+            const double signal = Kanaler[i].niva * r * pumping;
+            // The relative noise and the floor are independent, so one draw of their combined spread serves.
+            const double spredning = std::sqrt(RelativStoy * RelativStoy * signal * signal + StoyGulv * StoyGulv);
+            const double verdi = signal + spredning * stoy(tilfeldig);
             p += std::snprintf(linje + p, sizeof linje - static_cast<size_t>(p), ",%.4E", verdi);
         }
         std::memcpy(linje + p, ",\r\n", 3);
