@@ -77,12 +77,13 @@ Utfall Command5_Click(Kontekst& k)
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
                     float rad = 2.0f;
+                    const QString K = kolonneBokstav(k);  // the chooser stays as it is while the window is busy
                     {
                         Fremdrift fremdrift(k.vindu, syklus);
                         for (; !poster.eof(); poster.moveNext()) {
                             const int n = static_cast<int>(rad);
                             if (syklus == 1) ark.settCelle(n, 1, poster.tekst("DatoTid_Tekst"));
-                            ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(kolonneBokstav(k), poster)));
+                            ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(K, poster)));
                             rad += 1.0f;
                             fremdrift.rad(static_cast<long long>(rad));
                         }

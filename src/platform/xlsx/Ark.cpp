@@ -42,10 +42,41 @@ std::string rikTekst(const std::string& xml)
 
 // ---------------------------------------------------------------- reading
 
+std::deque<Ark::Lest>& Ark::lesteArk()
+{
+    thread_local std::deque<Lest> lest;
+    return lest;
+}
+
 void Ark::last()
 {
     if (lastet_) return;
+    constexpr size_t Husket = 4;
     std::string xml = bok_.lesDel(sti_);
+    auto& husket = lesteArk();
+    auto kjent = std::find_if(husket.begin(), husket.end(), [&](const Lest& l) { return l.xml == xml; });
+    if (kjent != husket.end()) {
+        // The sheet read last goes to the back, so that the sheets saved and read again every
+        // cycle (the integration's summary) push out one another instead of the template.
+        std::rotate(kjent, kjent + 1, husket.end());
+        kjent = husket.end() - 1;
+        ns_ = kjent->ns;
+        foran_ = kjent->foran;
+        bak_ = kjent->bak;
+        kolonnestiler_ = kjent->kolonnestiler;
+        rader_ = kjent->rader;
+        antallFormler_ = kjent->antallFormler;
+    } else {
+        tolk(xml);
+        husket.push_back({std::move(xml), ns_, foran_, bak_, kolonnestiler_, rader_, antallFormler_});
+        if (husket.size() > Husket) husket.pop_front();
+    }
+    lastet_ = true;
+    sist_ = rader_.end();
+}
+
+void Ark::tolk(const std::string& xml)
+{
     size_t start = std::string::npos;
     for (size_t p = xml.find("sheetData"); p != std::string::npos; p = xml.find("sheetData", p + 1)) {
         size_t lt = p;
@@ -159,8 +190,6 @@ void Ark::last()
         }
         std::sort(rad.celler.begin(), rad.celler.end(), [](const Celle& a, const Celle& b) { return a.kol < b.kol; });
     }
-    lastet_ = true;
-    sist_ = rader_.end();
 }
 
 void Ark::lesKolonnestiler()

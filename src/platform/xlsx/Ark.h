@@ -7,6 +7,7 @@
 #include "platform/xlsx/Formel.h"
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
@@ -67,6 +68,15 @@ private:
         long stil = -1;      // s attribute, the index of the cell format; -1 without
         std::string ekstra;  // other attributes of <c>, raw
         std::unique_ptr<FormelDel> formel;
+
+        Celle() = default;
+        Celle(Celle&&) = default;
+        Celle& operator=(Celle&&) = default;
+        Celle(const Celle& c)
+            : kol(c.kol), art(c.art), tall(c.tall), tekst(c.tekst), stil(c.stil), ekstra(c.ekstra),
+              formel(c.formel ? std::make_unique<FormelDel>(*c.formel) : nullptr)
+        {
+        }
     };
     struct Rad {
         std::string attr;  // attributes of <row> but r and spans, raw
@@ -91,8 +101,21 @@ private:
         Ark& ark_;
     };
 
+    // A sheet as read from its XML, before any change.
+    struct Lest {
+        std::string xml;
+        std::string ns, foran, bak;
+        std::vector<Kolonnestil> kolonnestiler;
+        std::map<int, Rad> rader;
+        long antallFormler = 0;
+    };
+
     formel::Resultat resultat(Celle& c);
     void last();
+    void tolk(const std::string& xml);
+    // The last sheets read on this thread: a template opened once per exported cycle is read
+    // from its XML once and copied after that.
+    static std::deque<Lest>& lesteArk();
     Celle* finn(int rad, int kol);
     Celle& hent(int rad, int kol);
     // The format a new cell takes: its row's, else its column's, as when a user types into it.

@@ -98,6 +98,13 @@ TEST(Ark, LesteCellerSkrivesSomDeStod)
                              "<x:row r=\"3\"><x:c r=\"A3\"><x:v>2.5</x:v></x:c>"
                              "<x:c r=\"B3\" t=\"str\"><x:f>A2&amp;\"!\"</x:f><x:v>3.5!</x:v></x:c></x:row>"
                              "</x:sheetData></x:worksheet>");
+    // The same XML read again comes from the copy kept at the first reading: as it stood, not
+    // as changed above; the changed sheet's own XML reads as changed.
+    Ark b(bok, "xl/worksheets/sheet1.xml");
+    EXPECT_EQ((V{b.celle(2, 2), b.celle(3, 2)}), (V{QStringLiteral("Ark!"), QStringLiteral("3.5!")}));
+    bok.xml = a.skriv();
+    Ark c(bok, "xl/worksheets/sheet1.xml");
+    EXPECT_EQ((V{c.celle(2, 2), c.celle(3, 2)}), (V{Verdi{}, QStringLiteral("3.5!")}));
 }
 
 TEST(Ark, TomCelledataOgOdelagtArk)
