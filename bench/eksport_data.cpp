@@ -75,6 +75,7 @@ int lagData(const QString& mappe)
             rader.push_back({{tekster[2 * r], tekster[2 * r + 1]}, verdier[r].data(), 6});
         inn.settInn(rader);
     }
+    d.settRadorden(true, true);  // as an import states it: the rows in time order, their IDs without a gap
     t.fullfor();
     files::SkrivTilFil(mappe + QStringLiteral("/SnuPunkter.txt"), snupunkter.join(QLatin1Char('!')));
     const char* const navn[] = {"Argon", "Nitrogen", "Oksygen", "CO2", "Vann", "Helium"};
