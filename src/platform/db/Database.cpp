@@ -1,6 +1,7 @@
 #include "platform/db/Database.h"
 
 #include "platform/db/JetDialekt.h"
+#include "platform/db/Lesebuffer.h"
 
 #include <QFile>
 #include <sqlite3.h>
@@ -63,7 +64,7 @@ void Database::apneFil(const QString& fil, int flagg)
     lukk();
     const QByteArray sti = QFile::encodeName(fil);
     sqlite3* db = nullptr;
-    if (sqlite3_open_v2(sti.constData(), &db, flagg, nullptr) != SQLITE_OK) {
+    if (sqlite3_open_v2(sti.constData(), &db, flagg, lesebuffer()) != SQLITE_OK) {
         const QString grunn = QString::fromUtf8(sqlite3_errmsg(db));
         sqlite3_close(db);
         throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: %2").arg(fil, grunn).toStdString());
@@ -72,7 +73,9 @@ void Database::apneFil(const QString& fil, int flagg)
     fil_ = fil;
     sqlite3_key(db_, Passord, static_cast<int>(strlen(Passord)));
     // A second thread sorts while the first reads, when an index is built or a result sorted.
-    const bool ok = sqlite3_exec(db_, "PRAGMA cipher_page_size = 4096; PRAGMA cache_size = -8000; PRAGMA threads = 2;",
+    // The page cache is SQLite's usual 2 MB: the program's reads are scans that never come back
+    // to a page, and a larger cache only costs fresh memory on the first scan.
+    const bool ok = sqlite3_exec(db_, "PRAGMA cipher_page_size = 4096; PRAGMA cache_size = -2000; PRAGMA threads = 2;",
                                  nullptr, nullptr, nullptr) == SQLITE_OK &&
                     sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
     if (!ok) {
