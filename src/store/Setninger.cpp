@@ -128,7 +128,8 @@ long long antallRader(db::Database& d)
 long long idSpenn(db::Database& d)
 {
     return static_cast<long long>(
-        d.spor(QStringLiteral("Select (Select max(ID) from DataLinjer) - (Select min(ID) from DataLinjer) + 1 as Antall"))
+        d.spor(
+             QStringLiteral("Select (Select max(ID) from DataLinjer) - (Select min(ID) from DataLinjer) + 1 as Antall"))
             .tall("Antall"));
 }
 

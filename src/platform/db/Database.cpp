@@ -4,8 +4,8 @@
 #include "platform/db/Lesebuffer.h"
 
 #include <QFile>
-#include <sqlite3.h>
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 namespace db {

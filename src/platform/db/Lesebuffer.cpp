@@ -17,9 +17,9 @@ sqlite3_vfs* grunnlag = nullptr;  // the system's own layer, which does the work
 struct Fil {
     sqlite3_file base;
     sqlite3_file* ekte;
-    char* buffer;                // Strekning bytes for a main database file, else none
-    sqlite3_int64 fra, lengde;   // the stretch the buffer holds; lengde 0: none
-    sqlite3_int64 sist;          // where the last read ended
+    char* buffer;               // Strekning bytes for a main database file, else none
+    sqlite3_int64 fra, lengde;  // the stretch the buffer holds; lengde 0: none
+    sqlite3_int64 sist;         // where the last read ended
 };
 
 Fil* fil(sqlite3_file* f) { return reinterpret_cast<Fil*>(f); }
@@ -101,9 +101,9 @@ int shmFjern(sqlite3_file* f, int slett) { return ekte(fil(f)).xShmUnmap(fil(f)-
 int hent(sqlite3_file* f, sqlite3_int64 fra, int n, void** pp) { return ekte(fil(f)).xFetch(fil(f)->ekte, fra, n, pp); }
 int slipp(sqlite3_file* f, sqlite3_int64 fra, void* p) { return ekte(fil(f)).xUnfetch(fil(f)->ekte, fra, p); }
 
-const sqlite3_io_methods Metoder = {3,        lukk,    les,        skriv,     kutt,   synk,        storrelse,
-                                    laas,     lasOpp,  reservert,  kontroll,  sektor, egenskaper,  shmMap,
-                                    shmLaas,  shmBarriere, shmFjern, hent,   slipp};
+const sqlite3_io_methods Metoder = {3,       lukk,        les,       skriv,    kutt,   synk,       storrelse,
+                                    laas,    lasOpp,      reservert, kontroll, sektor, egenskaper, shmMap,
+                                    shmLaas, shmBarriere, shmFjern,  hent,     slipp};
 
 int apne(sqlite3_vfs*, const char* navn, sqlite3_file* f, int flagg, int* utFlagg)
 {
@@ -139,25 +139,28 @@ const char* lesebuffer()
 {
     static sqlite3_vfs vfs = [] {
         grunnlag = sqlite3_vfs_find(nullptr);
-        sqlite3_vfs v{};
-        v.iVersion = 2;
-        v.szOsFile = static_cast<int>(sizeof(Fil)) + grunnlag->szOsFile;
-        v.mxPathname = grunnlag->mxPathname;
-        v.zName = "tolvik-lesebuffer";
-        v.xOpen = apne;
-        v.xDelete = slett;
-        v.xAccess = finnes;
-        v.xFullPathname = fullSti;
-        v.xDlOpen = dlApne;
-        v.xDlError = dlFeil;
-        v.xDlSym = dlSym;
-        v.xDlClose = dlLukk;
-        v.xRandomness = tilfeldig;
-        v.xSleep = sov;
-        v.xCurrentTime = tid;
-        v.xGetLastError = sisteFeil;
-        v.xCurrentTimeInt64 = tid64;
-        return v;
+        return sqlite3_vfs{2,
+                           static_cast<int>(sizeof(Fil)) + grunnlag->szOsFile,
+                           grunnlag->mxPathname,
+                           nullptr,
+                           "tolvik-lesebuffer",
+                           nullptr,
+                           apne,
+                           slett,
+                           finnes,
+                           fullSti,
+                           dlApne,
+                           dlFeil,
+                           dlSym,
+                           dlLukk,
+                           tilfeldig,
+                           sov,
+                           tid,
+                           sisteFeil,
+                           tid64,
+                           nullptr,
+                           nullptr,
+                           nullptr};
     }();
     static const bool registrert = sqlite3_vfs_register(&vfs, 0) == SQLITE_OK;
     return registrert ? vfs.zName : nullptr;

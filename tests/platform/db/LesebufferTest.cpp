@@ -1,7 +1,7 @@
 // The program's connections read the database file in stretches; what another connection
 // writes between two reads must be seen all the same.
-#include "platform/db/Masseinnsetting.h"
 #include "felles/Felles.h"
+#include "platform/db/Masseinnsetting.h"
 
 #include <gtest/gtest.h>
 
@@ -17,9 +17,9 @@ void settInn(db::Database& d, int fra, int antall, double c)
     db::Masseinnsetting inn(d, "INSERT INTO DataLinjer (DatoTid, C)", 1, 1);
     std::vector<std::string> tider;
     for (int r = fra; r < fra + antall; ++r)
-        tider.push_back(QString::asprintf("2012-11-%02d %02d:%02d:%02d", 1 + r / 86400, r / 3600 % 24, r / 60 % 60,
-                                          r % 60)
-                            .toStdString());
+        tider.push_back(
+            QString::asprintf("2012-11-%02d %02d:%02d:%02d", 1 + r / 86400, r / 3600 % 24, r / 60 % 60, r % 60)
+                .toStdString());
     std::vector<db::Masseinnsetting::Rad> rader;
     for (const std::string& t : tider) rader.push_back({{t}, &c, 1});
     db::Transaksjon t(d);
