@@ -6,7 +6,7 @@ namespace store {
 
 namespace {
 
-// Rows between two requests to the system to start writing the file to the disk: about 5 MB.
+// Rows between two requests to the system to start writing the file to the disk: about 8 MB.
 constexpr int64_t SkrivUtHver = 50000;
 
 }  // namespace

@@ -13,7 +13,7 @@ constexpr sqlite3_int64 Strekning = 256 * 1024;
 
 sqlite3_vfs* grunnlag = nullptr;  // the system's own layer, which does the work
 
-// An open file: ours in front, the grunnlag's file right behind it in the same memory.
+// An open file: ours in front, the system's file right behind it in the same memory.
 struct Fil {
     sqlite3_file base;
     sqlite3_file* ekte;
