@@ -84,7 +84,7 @@ int lasOpp(sqlite3_file* f, int niva)
     return ekte(fil(f)).xUnlock(fil(f)->ekte, niva);
 }
 
-// The rest is the grunnlag's.
+// The rest is the system's.
 int synk(sqlite3_file* f, int flagg) { return ekte(fil(f)).xSync(fil(f)->ekte, flagg); }
 int storrelse(sqlite3_file* f, sqlite3_int64* s) { return ekte(fil(f)).xFileSize(fil(f)->ekte, s); }
 int reservert(sqlite3_file* f, int* ut) { return ekte(fil(f)).xCheckReservedLock(fil(f)->ekte, ut); }
