@@ -62,14 +62,15 @@ Utfall Command5_Click(Kontekst& k)
         Udekket udekket;
         std::vector<std::pair<int, int>> sisteRader;  // cycle, its last written row
         const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
+        const QString K = kolonneBokstav(k);  // the chooser stays as it is while the window is busy
         for (int16_t syklus = 1; syklus <= siste;) {
             const vb::Dato snupunkt = liste.syklus(syklus);
             vb::Dato null, slutt;
             if (k.vindu.adsorpsjon()) {
-                null = FinnNullpunktAdsorpsjon(k, snupunkt, kolonneBokstav(k), vb::heltall16(k.vindu.minutterFor()));
+                null = FinnNullpunktAdsorpsjon(k, snupunkt, K, vb::heltall16(k.vindu.minutterFor()));
                 slutt = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
             } else {
-                null = FinnNullpunktDesorpsjon(k, snupunkt, kolonneBokstav(k), periode);
+                null = FinnNullpunktDesorpsjon(k, snupunkt, K, periode);
                 slutt = null.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
             }
             if (vb::tall(k.vindu.forsteSyklus()) <= syklus) {
@@ -77,7 +78,6 @@ Utfall Command5_Click(Kontekst& k)
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
                     float rad = 2.0f;
-                    const QString K = kolonneBokstav(k);  // the chooser stays as it is while the window is busy
                     {
                         Fremdrift fremdrift(k.vindu, syklus);
                         for (; !poster.eof(); poster.moveNext()) {

@@ -45,17 +45,6 @@ QByteArray tidsindeks(const QString& K)
         .toLatin1();
 }
 
-void sikreTidsindeks(db::Database& d, const QString& K)
-{
-    const QByteArray indeks = tidsindeks(K);
-    if (indeks.isEmpty()) return;
-    try {
-        d.utforSqlite(indeks.constData());
-    } catch (const db::DbFeil&) {
-        // A database that cannot take the index (write-protected, disk full) is searched without it, only slower.
-    }
-}
-
 }  // namespace
 
 void lagTomDatabase(const QString& fil)
@@ -158,7 +147,16 @@ bool harRader(db::Database& d)
     return !d.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)")).eof();
 }
 
-void forberedSok(db::Database& d, const QString& K) { sikreTidsindeks(d, K); }
+void forberedSok(db::Database& d, const QString& K)
+{
+    const QByteArray indeks = tidsindeks(K);
+    if (indeks.isEmpty()) return;
+    try {
+        d.utforSqlite(indeks.constData());
+    } catch (const db::DbFeil&) {
+        // A database that cannot take the index (write-protected, disk full) is searched without it, only slower.
+    }
+}
 
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
 {
