@@ -45,6 +45,7 @@ public:
     // ------------------------------------------------------------ parts
 
     std::string lesDel(const std::string& del) override { return pakke_.lesDel(del); }
+    std::string lagretForm(const std::string& del) override { return pakke_.lagretForm(del); }
 
     const std::string& deltTekst(long indeks) override
     {

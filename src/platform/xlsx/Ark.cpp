@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <sstream>
 
 namespace xlsx {
@@ -52,9 +53,9 @@ void Ark::last()
 {
     if (lastet_) return;
     constexpr size_t Husket = 4;
-    std::string xml = bok_.lesDel(sti_);
+    std::string lagret = bok_.lagretForm(sti_);
     auto& husket = lesteArk();
-    auto kjent = std::find_if(husket.begin(), husket.end(), [&](const Lest& l) { return l.xml == xml; });
+    auto kjent = std::find_if(husket.begin(), husket.end(), [&](const Lest& l) { return l.lagret == lagret; });
     if (kjent != husket.end()) {
         // The sheet read last goes to the back, so that the sheets saved and read again every
         // cycle (the integration's summary) push out one another instead of the template.
@@ -65,14 +66,18 @@ void Ark::last()
         bak_ = kjent->bak;
         kolonnestiler_ = kjent->kolonnestiler;
         rader_ = kjent->rader;
+        // Room for as many formulas again: the copy is filled, and the template's formulas are
+        // not moved when cells get their own.
+        formler_.reserve(2 * kjent->formler.size());
+        formler_.assign(kjent->formler.begin(), kjent->formler.end());
         antallFormler_ = kjent->antallFormler;
     } else {
-        tolk(xml);
-        husket.push_back({std::move(xml), ns_, foran_, bak_, kolonnestiler_, rader_, antallFormler_});
+        tolk(bok_.lesDel(sti_));
+        husket.push_back({std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, antallFormler_});
         if (husket.size() > Husket) husket.pop_front();
     }
     lastet_ = true;
-    sist_ = rader_.end();
+    sist_ = 0;
 }
 
 void Ark::tolk(const std::string& xml)
@@ -105,6 +110,11 @@ void Ark::tolk(const std::string& xml)
     foran_ = xml.substr(0, start);
     bak_ = xml.substr(slutt);
     lesKolonnestiler();
+    // A place for every formula at once: a template has thousands.
+    const std::string fTagg = "<" + ns_ + "f";
+    size_t antall = 0;
+    for (size_t p = xml.find(fTagg, start); p < slutt; p = xml.find(fTagg, p + fTagg.size())) ++antall;
+    formler_.reserve(antall);
 
     // A shared formula's first cell; its parse serves every cell of the group, since a parse
     // is independent of the cell it stands in.
@@ -118,7 +128,7 @@ void Ark::tolk(const std::string& xml)
     for (pugi::xml_node r = d.first_child().first_child(); r; r = r.next_sibling()) {
         if (r.type() != pugi::node_element || lokaltNavn(r.name()) != "row") continue;
         radNr = r.attribute("r") ? r.attribute("r").as_int() : radNr + 1;
-        Rad& rad = rader_[radNr];
+        Rad& rad = hentRad(radNr);
         attributter(rad.attr, r, {"r", "spans"});
         if (r.attribute("customFormat").as_bool() && r.attribute("s"))
             rad.stil = static_cast<long>(r.attribute("s").as_uint());
@@ -163,28 +173,31 @@ void Ark::tolk(const std::string& xml)
                 std::from_chars(vt, vt + std::strlen(vt), celle.tall);
             }
             if (pugi::xml_node f = barn(c, "f")) {
-                auto fd = std::make_unique<FormelDel>();
-                fd->rad = radNr;
+                FormelDel fd;
+                fd.rad = radNr;
                 std::string_view ft = f.attribute("t").value();
+                std::string tekst, attr;
                 if (ft == "shared") {
                     std::string si = f.attribute("si").value();
                     if (f.attribute("ref")) {
-                        fd->tekst = f.child_value();
-                        fd->tre = tolkelager().hent(fd->tekst, radNr, kolNr);
-                        delte[si] = {fd->tekst, radNr, kolNr, fd->tre};
+                        tekst = f.child_value();
+                        fd.tre = tolkelager().hent(tekst, radNr, kolNr);
+                        delte[si] = {tekst, radNr, kolNr, fd.tre};
                     } else if (auto m = delte.find(si); m != delte.end()) {
-                        fd->tekst = formel::flytt(m->second.tekst, radNr - m->second.rad, kolNr - m->second.kol);
-                        fd->tre = m->second.tre;
+                        tekst = formel::flytt(m->second.tekst, radNr - m->second.rad, kolNr - m->second.kol);
+                        fd.tre = m->second.tre;
                     }
                 } else {
-                    fd->tekst = f.child_value();
-                    attributter(fd->attr, f, {});
+                    tekst = f.child_value();
+                    attributter(attr, f, {});
                 }
+                // Every formula is parsed here, so that the copies of a sheet read once carry the parse.
+                if (!fd.tre) fd.tre = tolkelager().hent(tekst, radNr, kolNr);
+                fd.lagret = lagret(std::move(tekst), std::move(attr));
                 // The cached value is computed anew; only the formula is kept.
                 celle.art = Celle::Tom;
                 celle.tekst.clear();
-                celle.formel = std::move(fd);
-                ++antallFormler_;
+                celle.formel = nyFormel(std::move(fd));
             }
             rad.celler.push_back(std::move(celle));
         }
@@ -223,14 +236,43 @@ formel::Tolkelager& Ark::tolkelager()
 
 // ---------------------------------------------------------------- cells
 
+std::vector<Ark::Rad>::iterator Ark::fraRad(int nr)
+{
+    // Cells are mostly visited row by row: the rows around the one used last come first.
+    const size_t fra = sist_ > 0 ? sist_ - 1 : 0;
+    for (size_t i = fra; i < rader_.size() && i <= sist_ + 1; ++i)
+        if (rader_[i].nr >= nr) {
+            if (i > fra || i == 0) return rader_.begin() + static_cast<std::ptrdiff_t>(i);
+            break;  // the row may lie further up
+        }
+    return std::lower_bound(rader_.begin(), rader_.end(), nr, [](const Rad& r, int n) { return r.nr < n; });
+}
+
+Ark::Rad* Ark::finnRad(int nr)
+{
+    auto it = fraRad(nr);
+    if (it == rader_.end() || it->nr != nr) return nullptr;
+    sist_ = static_cast<size_t>(it - rader_.begin());
+    return &*it;
+}
+
+Ark::Rad& Ark::hentRad(int nr)
+{
+    if (rader_.empty() || rader_.back().nr < nr) {  // rows are mostly added after the last one
+        sist_ = rader_.size();
+        return rader_.emplace_back(Rad{nr, {}, -1, {}});
+    }
+    if (Rad* r = finnRad(nr)) return *r;
+    auto it = rader_.insert(fraRad(nr), Rad{nr, {}, -1, {}});
+    sist_ = static_cast<size_t>(it - rader_.begin());
+    return *it;
+}
+
 Ark::Celle* Ark::finn(int rad, int kol)
 {
-    if (sist_ == rader_.end() || sist_->first != rad) {
-        auto it = rader_.find(rad);
-        if (it == rader_.end()) return nullptr;
-        sist_ = it;
-    }
-    auto& v = sist_->second.celler;
+    Rad* r = finnRad(rad);
+    if (!r) return nullptr;
+    auto& v = r->celler;
     auto it = std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
     return it != v.end() && it->kol == kol ? &*it : nullptr;
 }
@@ -239,26 +281,32 @@ Ark::Celle& Ark::hent(int rad, int kol)
 {
     if (rad < 1 || rad > 1048576 || kol < 1 || kol > 16384)
         throw XlsxFeil("Ugyldig celle: rad " + std::to_string(rad) + ", kolonne " + std::to_string(kol));
-    if (sist_ == rader_.end() || sist_->first != rad)
-        sist_ = rader_.empty() || rader_.rbegin()->first < rad ? rader_.emplace_hint(rader_.end(), rad, Rad{})
-                                                               : rader_.try_emplace(rad).first;
-    auto& v = sist_->second.celler;
-    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(16, 2 * v.size()));  // rows fill up cell by cell
+    Rad& r = hentRad(rad);
+    auto& v = r.celler;
+    if (v.size() == v.capacity()) v.reserve(std::max<size_t>(8, 2 * v.size()));  // rows fill up cell by cell
     auto it = v.empty() || v.back().kol < kol
                   ? v.end()
                   : std::lower_bound(v.begin(), v.end(), kol, [](const Celle& c, int k) { return c.kol < k; });
     if (it == v.end() || it->kol != kol) {
         it = v.insert(it, Celle{});
         it->kol = kol;
-        it->stil = nyStil(sist_->second, kol);
+        it->stil = nyStil(r, kol);
     }
     return *it;
 }
 
+int Ark::nyFormel(FormelDel f)
+{
+    ++antallFormler_;
+    formler_.push_back(std::move(f));
+    return static_cast<int>(formler_.size() - 1);
+}
+
 void Ark::fjernFormel(Celle& c)
 {
-    if (!c.formel) return;
-    c.formel.reset();
+    if (c.formel < 0) return;
+    formler_[static_cast<size_t>(c.formel)] = {};  // its place stays unused
+    c.formel = -1;
     --antallFormler_;
     formlerEndret_ = true;
 }
@@ -266,7 +314,7 @@ void Ark::fjernFormel(Celle& c)
 void Ark::settCelle(int rad, int kolonne, const Verdi& verdi)
 {
     last();
-    endring();
+    endring(rad);
     bool tom = std::holds_alternative<std::monostate>(verdi) ||
                (std::holds_alternative<QString>(verdi) && std::get<QString>(verdi).isEmpty());
     if (tom) {
@@ -305,12 +353,15 @@ void Ark::settFormel(const QString& adresse, const QString& tekst)
     int rad, kol;
     if (!formel::lesAdresse(adresse.toStdString(), rad, kol))
         throw XlsxFeil("Ugyldig celleadresse: " + adresse.toStdString());
-    endring();
+    endring(rad);
     Celle& c = hent(rad, kol);
-    if (!c.formel) ++antallFormler_;
-    c.formel = std::make_unique<FormelDel>();
-    c.formel->rad = rad;
-    c.formel->tekst = formel::normaliser(tekst.toStdString());
+    FormelDel f;
+    f.rad = rad;
+    f.lagret = lagret(formel::normaliser(tekst.toStdString()));
+    if (c.formel < 0)
+        c.formel = nyFormel(std::move(f));
+    else
+        formler_[static_cast<size_t>(c.formel)] = std::move(f);
     c.art = Celle::Tom;
     c.tekst.clear();
     formlerEndret_ = true;
@@ -319,10 +370,10 @@ void Ark::settFormel(const QString& adresse, const QString& tekst)
 void Ark::tomCelle(int rad, int kolonne)
 {
     last();
-    endring();
-    auto it = rader_.find(rad);
-    if (it == rader_.end()) return;
-    auto& v = it->second.celler;
+    endring(rad);
+    Rad* r = finnRad(rad);
+    if (!r) return;
+    auto& v = r->celler;
     auto c = std::lower_bound(v.begin(), v.end(), kolonne, [](const Celle& x, int k) { return x.kol < k; });
     if (c == v.end() || c->kol != kolonne) return;
     fjernFormel(*c);
@@ -332,10 +383,10 @@ void Ark::tomCelle(int rad, int kolonne)
 void Ark::tomRad(int rad)
 {
     last();
-    endring();
-    auto it = rader_.find(rad);
-    if (it == rader_.end()) return;
-    auto& v = it->second.celler;
+    endring(rad);
+    Rad* r = finnRad(rad);
+    if (!r) return;
+    auto& v = r->celler;
     for (Celle& c : v) {
         fjernFormel(c);
         c.art = Celle::Tom;
@@ -348,7 +399,8 @@ void Ark::tomRad(int rad)
 Verdi Ark::celle(int rad, int kolonne)
 {
     last();
-    Resultat r = kilde_.celle(rad, kolonne);
+    Celle* c = finn(rad, kolonne);
+    Resultat r = c ? resultat(*c) : Resultat{};
     switch (r.art) {
     case Resultat::Tom: return std::monostate{};
     case Resultat::Tall:
@@ -369,28 +421,33 @@ int Ark::fyllNed()
 // (relative references shifted); cells that hold a value keep it.
 void Ark::fyllFormlerNed(int sisteRad)
 {
-    std::map<int, std::pair<int, Celle*>> siste;  // column -> the row and cell of its last formula
-    for (auto& [nr, rad] : rader_)
-        for (Celle& c : rad.celler)
-            if (c.formel) siste[c.kol] = {nr, &c};
-    for (auto& [kol, plass] : siste) {
-        auto [nr, forbilde] = plass;
+    std::map<int, int> siste;  // column -> the row of its last formula
+    for (const Rad& rad : rader_)
+        for (const Celle& c : rad.celler)
+            if (c.formel >= 0) siste[c.kol] = rad.nr;
+    for (auto [kol, nr] : siste) {
         Celle* over = finn(nr - 1, kol);
-        if (nr >= sisteRad || !over || !over->formel) continue;
-        for (Celle* c : {over, forbilde})
-            if (!c->formel->tre) c->formel->tre = tolkelager().hent(c->formel->tekst, c->formel->rad, kol);
-        if (over->formel->tre != forbilde->formel->tre) continue;
-        endring();
+        Celle* forbilde = finn(nr, kol);
+        if (nr >= sisteRad || !over || over->formel < 0) continue;
+        FormelDel& o = formelAv(*over);
+        FormelDel& f = formelAv(*forbilde);
+        for (FormelDel* x : {&o, &f})
+            if (!x->tre) x->tre = tolkelager().hent(x->lagret->tekst, x->rad, kol);
+        if (o.tre != f.tre) continue;
+        endring(nr + 1);
         formlerEndret_ = true;
+        // Copied: the formulas and cells added below may move them.
+        const FormelDel mal = f;
+        const long stil = forbilde->stil;
         for (int r = nr + 1; r <= sisteRad; ++r) {
             Celle& c = hent(r, kol);
-            if (c.formel || c.art != Celle::Tom) continue;
-            c.stil = forbilde->stil;
-            c.formel = std::make_unique<FormelDel>();
-            c.formel->rad = r;
-            c.formel->tekst = formel::flytt(forbilde->formel->tekst, r - nr, 0);
-            c.formel->tre = forbilde->formel->tre;
-            ++antallFormler_;
+            if (c.formel >= 0 || c.art != Celle::Tom) continue;
+            c.stil = stil;
+            FormelDel ny;
+            ny.rad = r;
+            ny.lagret = lagret(formel::flytt(mal.lagret->tekst, r - nr, 0));
+            ny.tre = mal.tre;
+            c.formel = nyFormel(std::move(ny));
         }
     }
 }
@@ -399,8 +456,8 @@ void Ark::fyllFormlerNed(int sisteRad)
 template <class Hver>
 void Ark::forHverCelle(int rad1, int kol1, int rad2, int kol2, Hver&& hver)
 {
-    for (auto it = rader_.lower_bound(rad1); it != rader_.end() && it->first <= rad2; ++it) {
-        auto& v = it->second.celler;
+    for (auto it = fraRad(rad1); it != rader_.end() && it->nr <= rad2; ++it) {
+        auto& v = it->celler;
         auto c = std::lower_bound(v.begin(), v.end(), kol1, [](const Celle& x, int k) { return x.kol < k; });
         for (; c != v.end() && c->kol <= kol2; ++c) hver(*c);
     }
@@ -408,7 +465,7 @@ void Ark::forHverCelle(int rad1, int kol1, int rad2, int kol2, Hver&& hver)
 
 Resultat Ark::verdiAv(Celle& c)
 {
-    FormelDel& f = *c.formel;
+    FormelDel& f = formelAv(c);
     if (f.gen != gen_) beregnMedKilder(c);
     if (f.underveis) return Resultat::feil("#REF!", true);  // circular reference
     return f.verdi;
@@ -428,7 +485,7 @@ void Ark::beregnMedKilder(Celle& c)
     std::vector<Steg> stakk{{&c, false}};
     while (!stakk.empty()) {
         Steg steg = stakk.back();
-        FormelDel& f = *steg.celle->formel;
+        FormelDel& f = formelAv(*steg.celle);
         if (steg.kilderLagt) {
             stakk.pop_back();
             Resultat r = formel::beregn(*f.tre, kilde_, f.rad, steg.celle->kol);
@@ -440,10 +497,10 @@ void Ark::beregnMedKilder(Celle& c)
             f.gen = gen_;
             f.underveis = true;
             stakk.back().kilderLagt = true;
-            if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, steg.celle->kol);
+            if (!f.tre) f.tre = tolkelager().hent(f.lagret->tekst, f.rad, steg.celle->kol);
             formel::referanser(*f.tre, f.rad, steg.celle->kol, [&](int r1, int k1, int r2, int k2) {
                 forHverCelle(r1, k1, r2, k2, [&](Celle& kilde) {
-                    if (kilde.formel && kilde.formel->gen != gen_) stakk.push_back({&kilde, false});
+                    if (kilde.formel >= 0 && formelAv(kilde).gen != gen_) stakk.push_back({&kilde, false});
                 });
             });
         }
@@ -452,7 +509,7 @@ void Ark::beregnMedKilder(Celle& c)
 
 Resultat Ark::resultat(Celle& c)
 {
-    if (c.formel) return verdiAv(c);
+    if (c.formel >= 0) return verdiAv(c);
     switch (c.art) {
     case Celle::Tom: return {};
     case Celle::Tall: return Resultat::nummer(c.tall);
@@ -467,12 +524,14 @@ Resultat Ark::resultat(Celle& c)
 
 Resultat Ark::Kilde::celle(int rad, int kolonne)
 {
+    ark_.lestTil_ = std::max(ark_.lestTil_, rad);
     Celle* c = ark_.finn(rad, kolonne);
     return c ? ark_.resultat(*c) : Resultat{};
 }
 
 void Ark::Kilde::omrade(int rad1, int kol1, int rad2, int kol2, const std::function<void(const Resultat&)>& hver)
 {
+    ark_.lestTil_ = std::max(ark_.lestTil_, rad2);
     ark_.forHverCelle(rad1, kol1, rad2, kol2, [&](Celle& c) {
         Resultat r = ark_.resultat(c);
         if (r.art != Resultat::Tom) hver(r);
@@ -514,7 +573,8 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
     std::string verdi;
     bool harV = false;  // a <v> element, also an empty one for an empty text result
     bool rik = false;
-    if (c.formel) {
+    const bool harFormel = c.formel >= 0;
+    if (harFormel) {
         Resultat r = verdiAv(c);
         switch (r.art) {
         case Resultat::Tall: leggTilTall(verdi, r.tall); break;
@@ -564,19 +624,19 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
         ut += '"';
     }
     ut += c.ekstra;
-    if (!c.formel) harV = !verdi.empty();
-    bool harInnhold = c.formel || c.art == Celle::Tekst || rik || harV;
+    if (!harFormel) harV = !verdi.empty();
+    bool harInnhold = harFormel || c.art == Celle::Tekst || rik || harV;
     if (!harInnhold) {
         ut += "/>";
         return;
     }
     ut += '>';
-    if (c.formel) {
-        const FormelDel& f = *c.formel;
+    if (harFormel) {
+        const FormelDel& f = formelAv(c);
         ut += '<';
         ut += ns_;
         ut += 'f';
-        ut += f.attr;
+        ut += f.lagret->attr;
         if (f.delt >= 0) {
             ut += " t=\"shared\"";
             if (f.deltTil > rad) {
@@ -594,11 +654,11 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
             ut += "/>";
         } else {
             ut += '>';
-            leggTilTekst(ut, f.tekst);
+            leggTilTekst(ut, f.lagret->tekst);
             lukkTagg(ut, "f");
         }
     }
-    if (!c.formel && c.art == Celle::Tekst) {
+    if (!harFormel && c.art == Celle::Tekst) {
         const std::string& t = c.tekst;
         bool bevar = !t.empty() && (t.front() == ' ' || t.back() == ' ' || t.front() == '\n' || t.back() == '\n');
         ut += '<';
@@ -628,14 +688,15 @@ void Ark::finnDelteFormler()
     };
     std::map<int, Lop> lop;
     int neste = 0;
-    for (auto& [nr, rad] : rader_) {
+    for (Rad& rad : rader_) {
+        const int nr = rad.nr;
         for (Celle& c : rad.celler) {
-            if (!c.formel) continue;
-            FormelDel& f = *c.formel;
+            if (c.formel < 0) continue;
+            FormelDel& f = formelAv(c);
             f.delt = -1;
             f.deltTil = 0;
-            if (!f.attr.empty()) continue;
-            if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, c.kol);
+            if (!f.lagret->attr.empty()) continue;
+            if (!f.tre) f.tre = tolkelager().hent(f.lagret->tekst, f.rad, c.kol);
             Lop& l = lop[c.kol];
             if (l.tre == f.tre.get() && l.sisteRad == nr - 1) {
                 if (l.forste->delt < 0) l.forste->delt = neste++;
@@ -652,15 +713,15 @@ void Ark::finnDelteFormler()
 std::string Ark::skriv()
 {
     last();
-    ++gen_;  // every formula is computed anew for the file
+    // Values computed since the last change are current: every change starts a new generation.
     finnDelteFormler();
     int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
     size_t antall = 0;
-    for (auto& [nr, rad] : rader_) {
+    for (const Rad& rad : rader_) {
         antall += rad.celler.size();
         if (rad.celler.empty()) continue;
-        if (!r1) r1 = nr;
-        r2 = nr;
+        if (!r1) r1 = rad.nr;
+        r2 = rad.nr;
         k1 = k1 ? std::min(k1, rad.celler.front().kol) : rad.celler.front().kol;
         k2 = std::max(k2, rad.celler.back().kol);
     }
@@ -683,7 +744,8 @@ std::string Ark::skriv()
         }
     }
     apneTagg(ut, "sheetData");
-    for (auto& [nr, rad] : rader_) {
+    for (Rad& rad : rader_) {
+        const int nr = rad.nr;
         if (rad.celler.empty() && rad.attr.empty()) continue;
         ut += '<';
         ut += ns_;

@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +19,8 @@ class Bokdeler {
 public:
     virtual ~Bokdeler() = default;
     virtual std::string lesDel(const std::string& sti) = 0;
+    // The part as stored, which is the same when its bytes are (see Pakke::lagretForm).
+    virtual std::string lagretForm(const std::string& sti) = 0;
     virtual const std::string& deltTekst(long indeks) = 0;
     virtual Diagram& diagram(const std::string& arkSti, int nr) = 0;
     // Stretches the chart series and the print area over the sheet down to sisteRad; returns the
@@ -47,17 +48,25 @@ public:
     std::string skriv();
 
 private:
+    // A formula as stored, shared by the copies of a sheet read once.
+    struct Lagret {
+        std::string tekst;  // without "="
+        std::string attr;   // raw attributes of <f>, kept for array formulas
+    };
+    static std::shared_ptr<const Lagret> lagret(std::string tekst, std::string attr = {})
+    {
+        return std::make_shared<const Lagret>(Lagret{std::move(tekst), std::move(attr)});
+    }
     struct FormelDel {
-        std::string tekst;  // as stored, without "="
-        std::string attr;   // raw attributes of <f> kept for array formulas
-        int rad = 0;        // the row of the cell, which relative references start from
+        std::shared_ptr<const Lagret> lagret;
         std::shared_ptr<const formel::Uttrykk> tre;
-        uint64_t gen = 0;
-        bool underveis = false;
         formel::Resultat verdi;
+        uint64_t gen = 0;
+        int rad = 0;  // the row of the cell, which relative references start from
         // Written as a shared formula: its number, and for the first cell the last row of the run.
         int delt = -1;
         int deltTil = 0;
+        bool underveis = false;
     };
     struct Celle {
         enum Art : unsigned char { Tom, Tall, Tekst, Delt, Logisk, Feil, Rik };
@@ -67,18 +76,10 @@ private:
         std::string tekst;   // text, error code, or the raw <is> element of rich text
         long stil = -1;      // s attribute, the index of the cell format; -1 without
         std::string ekstra;  // other attributes of <c>, raw
-        std::unique_ptr<FormelDel> formel;
-
-        Celle() = default;
-        Celle(Celle&&) = default;
-        Celle& operator=(Celle&&) = default;
-        Celle(const Celle& c)
-            : kol(c.kol), art(c.art), tall(c.tall), tekst(c.tekst), stil(c.stil), ekstra(c.ekstra),
-              formel(c.formel ? std::make_unique<FormelDel>(*c.formel) : nullptr)
-        {
-        }
+        int formel = -1;     // its formula among the sheet's formulas, -1 without
     };
     struct Rad {
+        int nr = 0;
         std::string attr;  // attributes of <row> but r and spans, raw
         long stil = -1;    // the row's own cell format, which new cells of the row take
         std::vector<Celle> celler;
@@ -103,10 +104,11 @@ private:
 
     // A sheet as read from its XML, before any change.
     struct Lest {
-        std::string xml;
+        std::string lagret;  // the part as stored, which tells the same XML
         std::string ns, foran, bak;
         std::vector<Kolonnestil> kolonnestiler;
-        std::map<int, Rad> rader;
+        std::vector<Rad> rader;
+        std::vector<FormelDel> formler;
         long antallFormler = 0;
     };
 
@@ -116,17 +118,29 @@ private:
     // The last sheets read on this thread: a template opened once per exported cycle is read
     // from its XML once and copied after that.
     static std::deque<Lest>& lesteArk();
+    // The row numbered nr, or nullptr; hentRad adds it where it is missing.
+    Rad* finnRad(int nr);
+    Rad& hentRad(int nr);
+    // The first row numbered nr or higher.
+    std::vector<Rad>::iterator fraRad(int nr);
     Celle* finn(int rad, int kol);
     Celle& hent(int rad, int kol);
     // The format a new cell takes: its row's, else its column's, as when a user types into it.
     long nyStil(const Rad& rad, int kol) const;
     void lesKolonnestiler();
     void fyllFormlerNed(int sisteRad);
+    // Adds f to the sheet's formulas and gives its number for Celle::formel.
+    int nyFormel(FormelDel f);
+    FormelDel& formelAv(const Celle& c) { return formler_[static_cast<size_t>(c.formel)]; }
     void fjernFormel(Celle& c);
-    void endring()
+    // A change from row rad down. The values computed so far stay current when none of them
+    // read a cell that far down; otherwise a new generation computes them again.
+    void endring(int rad)
     {
         endret_ = true;
+        if (rad > lestTil_) return;
         ++gen_;
+        lestTil_ = 0;
     }
     formel::Resultat verdiAv(Celle& c);
     void beregnMedKilder(Celle& c);
@@ -147,10 +161,14 @@ private:
     int sisteSkrevne_ = 0;  // the last row given a value
     std::vector<Kolonnestil> kolonnestiler_;
     uint64_t gen_ = 1;
+    int lestTil_ = 0;          // the farthest row down that a value computed in this generation has read
     std::string foran_, bak_;  // the XML around the cell data
     std::string ns_;           // prefix of the sheet's elements ("" or "x:")
-    std::map<int, Rad> rader_;
-    std::map<int, Rad>::iterator sist_ = rader_.end();
+    std::vector<Rad> rader_;   // in order of their numbers
+    // The formulas of the cells; a cell's formula keeps its place, so that a sheet is copied
+    // in two blocks, and a formula removed leaves its place unused.
+    std::vector<FormelDel> formler_;
+    size_t sist_ = 0;  // the row used last, where the next look-up starts
     Kilde kilde_{*this};
     // One store for every sheet of the run: the same template is opened once per exported cycle.
     static formel::Tolkelager& tolkelager();

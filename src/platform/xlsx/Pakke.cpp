@@ -157,12 +157,35 @@ Pakke::~Pakke()
 
 bool Pakke::finnes(const std::string& del) const { return zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE) >= 0; }
 
-std::string Pakke::lesDel(const std::string& del) const
+zip_uint64_t Pakke::indeks(const std::string& del) const
 {
     zip_int64_t i = zip_name_locate(zip_, del.c_str(), ZIP_FL_NOCASE);
     if (i < 0) throw XlsxFeil("Arbeidsboka mangler delen " + del);
+    return static_cast<zip_uint64_t>(i);
+}
+
+std::string Pakke::lesDel(const std::string& del) const
+{
     std::string ut;
-    pakkUt(static_cast<zip_uint64_t>(i), del, ut);
+    pakkUt(indeks(del), del, ut);
+    return ut;
+}
+
+std::string Pakke::lagretForm(const std::string& del) const
+{
+    const zip_uint64_t i = indeks(del);
+    zip_stat_t st;
+    zip_file_t* f = zip_stat_index(zip_, i, 0, &st) == 0 ? zip_fopen_index(zip_, i, ZIP_FL_COMPRESSED) : nullptr;
+    if (!f || !(st.valid & ZIP_STAT_COMP_SIZE) || st.comp_size > data_.size()) {
+        if (f) zip_fclose(f);
+        throw XlsxFeil("Kan ikke lese " + del);
+    }
+    std::string ut = std::to_string(st.comp_method) + ':' + std::to_string(st.size) + ':';
+    const size_t start = ut.size();
+    ut.resize(start + st.comp_size);
+    const zip_int64_t n = zip_fread(f, ut.data() + start, st.comp_size);
+    zip_fclose(f);
+    if (n < 0 || static_cast<zip_uint64_t>(n) != st.comp_size) throw XlsxFeil("Kan ikke lese " + del);
     return ut;
 }
 

@@ -46,6 +46,10 @@ public:
     // The bytes of a part; XlsxFeil when it is missing or cannot be read, or grows past 16 MB,
     // or past 48 MB together with the parts read before, as it is unpacked.
     std::string lesDel(const std::string& del) const;
+    // The part as the zip stores it: compression method, unpacked size and packed bytes. Two parts
+    // with the same stored form unpack to the same bytes, so this tells a part seen before
+    // without unpacking it. XlsxFeil as for lesDel.
+    std::string lagretForm(const std::string& del) const;
     // A part read into d as an XML document, its declaration kept; XlsxFeil when it is not well-formed.
     void lesXml(const std::string& del, pugi::xml_document& d) const;
     // The relationships of a part ("" for the package's own); none when it has no relationships part.
@@ -70,6 +74,8 @@ private:
     void kontroller() const;
     // Unpacks part nr i, named del, into ut, counting what is unpacked against the limits.
     void pakkUt(uint64_t i, const std::string& del, std::string& ut) const;
+    // The index of the part in the zip; XlsxFeil when it is missing.
+    uint64_t indeks(const std::string& del) const;
 
     std::string data_;
     mutable uint64_t pakketUt_ = 0;  // bytes unpacked from the parts read so far

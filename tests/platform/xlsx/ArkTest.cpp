@@ -12,6 +12,7 @@ struct EttArk : Bokdeler {
     std::string xml;
     std::vector<std::string> delte;
     std::string lesDel(const std::string&) override { return xml; }
+    std::string lagretForm(const std::string&) override { return xml; }
     const std::string& deltTekst(long i) override { return delte.at(static_cast<size_t>(i)); }
     Diagram& diagram(const std::string&, int) override { throw XlsxFeil("ingen tegning"); }
     int strekkOmrader(const std::string&, int sisteRad) override { return sisteRad; }
@@ -105,6 +106,29 @@ TEST(Ark, LesteCellerSkrivesSomDeStod)
     bok.xml = a.skriv();
     Ark c(bok, "xl/worksheets/sheet1.xml");
     EXPECT_EQ((V{c.celle(2, 2), c.celle(3, 2)}), (V{Verdi{}, QStringLiteral("3.5!")}));
+}
+
+TEST(Ark, EndringBeregnerPaNyttDetSomLesteDen)
+{
+    // Computed values are kept while the changes lie below every cell they read.
+    EttArk bok;
+    bok.xml = "<worksheet " + ns + "><sheetData/></worksheet>";
+    Ark a(bok, "xl/worksheets/sheet1.xml");
+    a.settCelle(1, 1, 1.0);
+    a.settCelle(2, 1, 2.0);
+    a.settFormel(QStringLiteral("B1"), QStringLiteral("=SUM(A1:A2)"));
+    a.settFormel(QStringLiteral("C1"), QStringLiteral("=A1*10"));
+    a.settFormel(QStringLiteral("D1"), QStringLiteral("=SUM(A1:A10)"));
+    EXPECT_EQ(a.celle(1, 2), Verdi(3.0));
+    a.settCelle(3, 1, 100.0);  // below B1's range
+    EXPECT_EQ(a.celle(1, 2), Verdi(3.0));
+    a.settCelle(2, 1, 5.0);
+    EXPECT_EQ(a.celle(1, 3), Verdi(10.0));  // reads row 1 only
+    a.settCelle(2, 1, 7.0);                 // B1, not computed since, sees it too
+    EXPECT_EQ((V{a.celle(1, 2), a.celle(1, 4)}), (V{8.0, 108.0}));
+    a.tomRad(9);
+    a.settCelle(10, 1, 1.0);  // inside D1's range
+    EXPECT_EQ((V{a.celle(1, 2), a.celle(1, 4)}), (V{8.0, 109.0}));
 }
 
 TEST(Ark, TomCelledataOgOdelagtArk)
