@@ -66,6 +66,7 @@ void Ark::last()
         bak_ = kjent->bak;
         kolonnestiler_ = kjent->kolonnestiler;
         rader_ = kjent->rader;
+        ekstra_ = kjent->ekstra;
         // Room for as many formulas again: the copy is filled, and the template's formulas are
         // not moved when cells get their own.
         formler_.reserve(2 * kjent->formler.size());
@@ -73,7 +74,8 @@ void Ark::last()
         antallFormler_ = kjent->antallFormler;
     } else {
         tolk(bok_.lesDel(sti_));
-        husket.push_back({std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, antallFormler_});
+        husket.push_back(
+            {std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, ekstra_, antallFormler_});
         if (husket.size() > Husket) husket.pop_front();
     }
     lastet_ = true;
@@ -140,7 +142,12 @@ void Ark::tolk(const std::string& xml)
             Celle celle;
             celle.kol = kolNr;
             celle.stil = c.attribute("s") ? static_cast<long>(c.attribute("s").as_uint()) : -1;
-            attributter(celle.ekstra, c, {"r", "s", "t"});
+            std::string ekstra;
+            attributter(ekstra, c, {"r", "s", "t"});
+            if (!ekstra.empty()) {
+                celle.ekstra = static_cast<int>(ekstra_.size());
+                ekstra_.push_back(std::move(ekstra));
+            }
             std::string_view t = c.attribute("t").value();
             pugi::xml_node v = barn(c, "v");
             const char* vt = v.child_value();
@@ -321,7 +328,7 @@ void Ark::settCelle(int rad, int kolonne, const Verdi& verdi)
         Celle* c = finn(rad, kolonne);
         if (!c) return;
         fjernFormel(*c);
-        if (c->stil < 0 && c->ekstra.empty()) {
+        if (c->stil < 0 && c->ekstra < 0) {
             tomCelle(rad, kolonne);
             return;
         }
@@ -393,7 +400,7 @@ void Ark::tomRad(int rad)
         c.tekst.clear();
     }
     // Formatting stays: a styled cell remains as an empty cell.
-    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra.empty(); }), v.end());
+    v.erase(std::remove_if(v.begin(), v.end(), [](const Celle& c) { return c.stil < 0 && c.ekstra < 0; }), v.end());
 }
 
 Verdi Ark::celle(int rad, int kolonne)
@@ -623,7 +630,7 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
         ut += type;
         ut += '"';
     }
-    ut += c.ekstra;
+    if (c.ekstra >= 0) ut += ekstra_[static_cast<size_t>(c.ekstra)];
     if (!harFormel) harV = !verdi.empty();
     bool harInnhold = harFormel || c.art == Celle::Tekst || rik || harV;
     if (!harInnhold) {

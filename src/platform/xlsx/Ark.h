@@ -71,12 +71,12 @@ private:
     struct Celle {
         enum Art : unsigned char { Tom, Tall, Tekst, Delt, Logisk, Feil, Rik };
         int kol = 0;
+        int formel = -1;  // its formula among the sheet's formulas, -1 without
+        int ekstra = -1;  // its other attributes of <c>, raw, among the sheet's; -1 without
         Art art = Tom;
-        double tall = 0;     // number, logical, shared-string index
-        std::string tekst;   // text, error code, or the raw <is> element of rich text
-        long stil = -1;      // s attribute, the index of the cell format; -1 without
-        std::string ekstra;  // other attributes of <c>, raw
-        int formel = -1;     // its formula among the sheet's formulas, -1 without
+        long stil = -1;     // s attribute, the index of the cell format; -1 without
+        double tall = 0;    // number, logical, shared-string index
+        std::string tekst;  // text, error code, or the raw <is> element of rich text
     };
     struct Rad {
         int nr = 0;
@@ -109,6 +109,7 @@ private:
         std::vector<Kolonnestil> kolonnestiler;
         std::vector<Rad> rader;
         std::vector<FormelDel> formler;
+        std::vector<std::string> ekstra;
         long antallFormler = 0;
     };
 
@@ -168,7 +169,8 @@ private:
     // The formulas of the cells; a cell's formula keeps its place, so that a sheet is copied
     // in two blocks, and a formula removed leaves its place unused.
     std::vector<FormelDel> formler_;
-    size_t sist_ = 0;  // the row used last, where the next look-up starts
+    std::vector<std::string> ekstra_;  // the raw attributes of the cells that have more
+    size_t sist_ = 0;                  // the row used last, where the next look-up starts
     Kilde kilde_{*this};
     // One store for every sheet of the run: the same template is opened once per exported cycle.
     static formel::Tolkelager& tolkelager();
