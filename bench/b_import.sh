@@ -27,7 +27,10 @@ kolonner=$(head -1 "$fil" | tr -d '\r' | awk -F, '{for (i = 1; i <= NF; i++) pri
 PAR="${PAR:-5}"
 : >"$arbeid/par"
 for ((p = 1; p <= PAR; p++)); do
-  # Tolvik: the whole command as a user runs it, start-up included.
+  # Tolvik: the whole command as a user runs it, start-up included, into the empty database a
+  # new program folder has, as the peer's file is new every time. (Replacing a full Data.mdb
+  # adds the system's freeing of the old file's 160 MB, about 60 ms.)
+  cp "$BUILD/dist/Template.mdb" "$mappe/Data.mdb"
   /usr/bin/time -f "%e %U %S %M" -o "$arbeid/tolvik.tid" \
     "$BUILD/dist/tolvik-batch" --folder "$mappe" import "$fil" >"$arbeid/tolvik.ut" 2>"$arbeid/tolvik.feil" ||
     { cat "$arbeid/tolvik.ut" "$arbeid/tolvik.feil"; exit 1; }

@@ -4,8 +4,11 @@
 #include "store/Maledata.h"
 #include "store/Setninger.h"
 
+#include "platform/db/Nokkel.h"
+
 #include <QFile>
 #include <filesystem>
+#include <future>
 
 namespace store {
 
@@ -23,9 +26,11 @@ QStringList nyeFiler(const Kontekst& k)
 void lagFraMal(const QString& mal, const QString& ny, db::Database& tom)
 {
     {
+        // The new file's key is derived on a thread of its own while the template opens.
+        auto nokkel = std::async(std::launch::async, db::nyNokkel);
         db::Database kilde;
         apneMaledata(kilde, mal);
-        kilde.kopierTil(ny);
+        kilde.kopierTil(ny, nokkel.get());
     }
     tom.aapne(ny);
     tomTabell(tom);

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTimer>
 #include <optional>
@@ -279,6 +280,13 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
         const int linjer = tall.captured(1).remove(' ').toInt();
         EXPECT_EQ(tall.captured(2).remove(' ').toInt(), linjer) << k.ut;
         EXPECT_TRUE(kjor({"status"}).ut.startsWith(u"Tolvik - "_s + vb::antallTekst(linjer - 1) + u" poster"_s));
+        // Keyed as the password opens it in any SQLCipher program: the sqlcipher shell counts the rows.
+        QProcess skall;
+        skall.start(u"sqlcipher"_s, {p.sti(u"Data.mdb"_s)});
+        skall.write("PRAGMA key = 'tesko4NR'; PRAGMA cipher_page_size = 4096; SELECT count(*) FROM DataLinjer;\n");
+        skall.closeWriteChannel();
+        skall.waitForFinished();
+        EXPECT_EQ(skall.readAllStandardOutput().trimmed().toInt(), linjer - 1) << navn;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/db/JetDialekt.h"
 #include "platform/db/Lesebuffer.h"
+#include "platform/db/Nokkel.h"
 
 #include <QFile>
 #include <fcntl.h>
@@ -51,7 +52,7 @@ QString Database::grunn() const
     }
 }
 
-void Database::apneFil(const QString& fil, int flagg)
+void Database::apneFil(const QString& fil, int flagg, const std::string& nokkel)
 {
     // Every connection is used by one thread only: SQLite's own locking and its memory
     // statistics would only cost time (about a twentieth of a bulk import).
@@ -71,7 +72,7 @@ void Database::apneFil(const QString& fil, int flagg)
     }
     db_ = db;
     fil_ = fil;
-    sqlite3_key(db_, Passord, static_cast<int>(strlen(Passord)));
+    sqlite3_key(db_, nokkel.data(), static_cast<int>(nokkel.size()));
     // A second thread sorts while the first reads, when an index is built or a result sorted.
     // The page cache is SQLite's usual 2 MB: the program's reads are scans that never come back
     // to a page, and a larger cache only costs fresh memory on the first scan.
@@ -96,27 +97,26 @@ void Database::aapne(const QString& fil)
 {
     if (!QFile::exists(fil))
         throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: fila finnes ikke").arg(fil).toStdString());
-    apneFil(fil, SQLITE_OPEN_READWRITE);
+    apneFil(fil, SQLITE_OPEN_READWRITE, nokkelFor(fil));
 }
 
 void Database::lag(const QString& fil)
 {
     if (QFile::exists(fil)) throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
-    apneFil(fil, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    apneFil(fil, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nyNokkel());
 }
 
-void Database::kopierTil(const QString& fil)
+void Database::kopierTil(const QString& fil, const std::string& nokkel)
 {
     if (!db_) throw DbFeil("Databasen er ikke åpen");
     if (QFile::exists(fil)) throw DbFeil(QStringLiteral("Databasen %1 finnes allerede").arg(fil).toStdString());
     // The connection may not create files; an empty file is a new database to SQLite.
     if (QFile tom(fil); !tom.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         throw DbFeil(QStringLiteral("Kan ikke lage databasen %1: %2").arg(fil, tom.errorString()).toStdString());
-    QString sti = fil;
-    sti.replace(QLatin1Char('\''), QStringLiteral("''"));
+    auto tekst = [](QString t) { return t.replace(QLatin1Char('\''), QStringLiteral("''")); };
     const QByteArray sql = QStringLiteral("ATTACH DATABASE '%1' AS kopi KEY '%2'; PRAGMA kopi.cipher_page_size = 4096; "
                                           "SELECT sqlcipher_export('kopi'); DETACH DATABASE kopi;")
-                               .arg(sti, QLatin1String(Passord))
+                               .arg(tekst(fil), tekst(QString::fromStdString(nokkel)))
                                .toUtf8();
     if (sqlite3_exec(db_, sql.constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
         const QString g = grunn();

@@ -39,8 +39,9 @@ public:
     // Creates a new, empty keyed database file (the file must not exist).
     void lag(const QString& fil);
     // Writes a copy of this database to a new file under the same key but with a salt of its own,
-    // so that no two database files share one. A half-written copy is removed on failure.
-    void kopierTil(const QString& fil);
+    // so that no two database files share one: nokkel, from nyNokkel. A half-written copy is
+    // removed on failure.
+    void kopierTil(const QString& fil, const std::string& nokkel);
     void lukk();
     bool erApen() const { return db_ != nullptr; }
     const QString& fil() const { return fil_; }
@@ -70,7 +71,7 @@ private:
     // A statement in SQLite's own text, prepared for repeated use with bound values.
     sqlite3_stmt* forbered(const char* sql);
     sqlite3* handle() const { return db_; }
-    void apneFil(const QString& fil, int flagg);
+    void apneFil(const QString& fil, int flagg, const std::string& nokkel);
     [[noreturn]] void kast(const QString& hva) const;
     // The store's reason for the last failure, with a full disk and disk errors said plainly.
     QString grunn() const;

@@ -1,17 +1,143 @@
 #include "platform/db/Lesebuffer.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <sqlite3.h>
+#include <thread>
+#include <vector>
 
 namespace db {
 
 namespace {
 
 constexpr sqlite3_int64 Strekning = 256 * 1024;
+constexpr size_t Samling = 1024 * 1024;
+constexpr size_t Skrivebit = 64 * 1024;  // the system's layer writes less than 128 KB at a time
 
 sqlite3_vfs* grunnlag = nullptr;  // the system's own layer, which does the work
+
+// Writes behind SQLite: the pages it writes one by one are gathered, Samling at a time, and a
+// thread of its own writes them while SQLite goes on, in the order of their place in the file
+// and those that follow each other with one request. Every other request on the file first waits
+// until all is written (tom), so that it sees the writes as they came; a write that failed is the
+// answer to the next request.
+class Skriver {
+public:
+    explicit Skriver(sqlite3_file* ekte) : ekte_(ekte), traad_([this] { kjor(); }) {}
+    ~Skriver()
+    {
+        tom();
+        {
+            std::lock_guard laas(mutex_);
+            slutt_ = true;
+        }
+        endret_.notify_all();
+        traad_.join();
+    }
+    Skriver(const Skriver&) = delete;
+    Skriver& operator=(const Skriver&) = delete;
+
+    int skriv(const void* data, int antall, sqlite3_int64 fra)
+    {
+        samlet_.biter.push_back({fra, samlet_.data.size(), static_cast<size_t>(antall)});
+        samlet_.data.insert(samlet_.data.end(), static_cast<const char*>(data),
+                            static_cast<const char*>(data) + antall);
+        if (samlet_.data.size() >= Samling) send();
+        std::lock_guard laas(mutex_);
+        return feil_;
+    }
+
+    // Waits until every write so far is in the file; SQLITE_OK or the first write's error.
+    int tom()
+    {
+        if (!samlet_.biter.empty()) send();
+        std::unique_lock laas(mutex_);
+        endret_.wait(laas, [this] { return !klar_; });
+        return feil_;
+    }
+
+private:
+    struct Bit {
+        sqlite3_int64 fra;  // place in the file
+        size_t i, n;        // place and length in data
+    };
+    struct Samlet {
+        std::vector<Bit> biter;  // in the order they came
+        std::vector<char> data;
+    };
+
+    // Hands what is gathered to the thread, once it has written what came before.
+    void send()
+    {
+        std::unique_lock laas(mutex_);
+        endret_.wait(laas, [this] { return !klar_; });
+        std::swap(samlet_, skrives_);
+        klar_ = true;
+        laas.unlock();
+        endret_.notify_all();
+        samlet_.biter.clear();
+        samlet_.data.clear();
+    }
+
+    // Writes the pieces by their place in the file; when two overlap, all go in the order they came.
+    int skrivUt(Samlet& s)
+    {
+        std::vector<Bit>& b = s.biter;
+        std::vector<Bit> iRekkefolge = b;
+        std::sort(b.begin(), b.end(), [](const Bit& x, const Bit& y) { return x.fra < y.fra; });
+        for (size_t i = 1; i < b.size(); ++i)
+            if (b[i].fra < b[i - 1].fra + static_cast<sqlite3_int64>(b[i - 1].n)) {
+                b = std::move(iRekkefolge);
+                break;
+            }
+        std::vector<char>& lop = lop_;
+        for (size_t i = 0; i < b.size();) {
+            lop.clear();
+            const sqlite3_int64 fra = b[i].fra;
+            do {
+                lop.insert(lop.end(), s.data.begin() + static_cast<std::ptrdiff_t>(b[i].i),
+                           s.data.begin() + static_cast<std::ptrdiff_t>(b[i].i + b[i].n));
+                ++i;
+            } while (i < b.size() && b[i].fra == fra + static_cast<sqlite3_int64>(lop.size()) &&
+                     lop.size() + b[i].n <= Skrivebit);
+            if (const int rc = ekte_->pMethods->xWrite(ekte_, lop.data(), static_cast<int>(lop.size()), fra);
+                rc != SQLITE_OK)
+                return rc;
+        }
+        return SQLITE_OK;
+    }
+
+    void kjor()
+    {
+        std::unique_lock laas(mutex_);
+        for (;;) {
+            endret_.wait(laas, [this] { return klar_ || slutt_; });
+            if (!klar_) return;
+            const int tidligere = feil_;
+            laas.unlock();
+            const int rc = tidligere == SQLITE_OK ? skrivUt(skrives_) : tidligere;
+            laas.lock();
+            feil_ = rc;
+            klar_ = false;
+            endret_.notify_all();
+        }
+    }
+
+    sqlite3_file* ekte_;
+    Samlet samlet_;  // gathered by SQLite's thread alone
+    std::mutex mutex_;
+    std::condition_variable endret_;
+    Samlet skrives_;         // handed to the thread
+    std::vector<char> lop_;  // a run of pieces that follow each other in the file, for one write
+    bool klar_ = false;      // skrives_ waits to be written, or is being written
+    bool slutt_ = false;
+    int feil_ = SQLITE_OK;
+    std::thread traad_;
+};
 
 // An open file: ours in front, the system's file right behind it in the same memory.
 struct Fil {
@@ -20,14 +146,20 @@ struct Fil {
     char* buffer;               // Strekning bytes for a main database file, else none
     sqlite3_int64 fra, lengde;  // the stretch the buffer holds; lengde 0: none
     sqlite3_int64 sist;         // where the last read ended
+    Skriver* skriver;           // from the first write to a main database file
 };
 
 Fil* fil(sqlite3_file* f) { return reinterpret_cast<Fil*>(f); }
 const sqlite3_io_methods& ekte(Fil* p) { return *p->ekte->pMethods; }
 
+// Waits for the writes behind; SQLITE_OK or the error of one that failed.
+int tom(Fil* p) { return p->skriver ? p->skriver->tom() : SQLITE_OK; }
+
 int lukk(sqlite3_file* f)
 {
     Fil* p = fil(f);
+    delete p->skriver;  // writes what is left
+    p->skriver = nullptr;
     const int rc = ekte(p).xClose(p->ekte);
     delete[] p->buffer;
     p->buffer = nullptr;
@@ -39,6 +171,7 @@ int lukk(sqlite3_file* f)
 int les(sqlite3_file* f, void* ut, int antall, sqlite3_int64 fra)
 {
     Fil* p = fil(f);
+    if (const int rc = tom(p); rc != SQLITE_OK) return rc;
     if (!p->buffer) return ekte(p).xRead(p->ekte, ut, antall, fra);
     const sqlite3_int64 slutt = fra + antall;
     const bool naer = p->sist >= 0 && fra >= p->sist && fra - p->sist < Strekning;
@@ -62,33 +195,52 @@ int les(sqlite3_file* f, void* ut, int antall, sqlite3_int64 fra)
 }
 
 // Whatever may change the file's content forgets the stretch: our own writes, and the locks
-// around a read transaction, outside which another program may have written the file.
+// around a read transaction, outside which another program may have written the file. Every
+// request but a write waits for the writes behind.
 int skriv(sqlite3_file* f, const void* data, int antall, sqlite3_int64 fra)
 {
-    fil(f)->lengde = 0;
-    return ekte(fil(f)).xWrite(fil(f)->ekte, data, antall, fra);
+    Fil* p = fil(f);
+    p->lengde = 0;
+    if (!p->buffer) return ekte(p).xWrite(p->ekte, data, antall, fra);
+    if (!p->skriver) p->skriver = new (std::nothrow) Skriver(p->ekte);
+    return p->skriver ? p->skriver->skriv(data, antall, fra) : ekte(p).xWrite(p->ekte, data, antall, fra);
 }
 int kutt(sqlite3_file* f, sqlite3_int64 storrelse)
 {
     fil(f)->lengde = 0;
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
     return ekte(fil(f)).xTruncate(fil(f)->ekte, storrelse);
 }
 int laas(sqlite3_file* f, int niva)
 {
     if (niva == SQLITE_LOCK_SHARED) fil(f)->lengde = 0;
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
     return ekte(fil(f)).xLock(fil(f)->ekte, niva);
 }
 int lasOpp(sqlite3_file* f, int niva)
 {
     if (niva == SQLITE_LOCK_NONE) fil(f)->lengde = 0;
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
     return ekte(fil(f)).xUnlock(fil(f)->ekte, niva);
+}
+int synk(sqlite3_file* f, int flagg)
+{
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
+    return ekte(fil(f)).xSync(fil(f)->ekte, flagg);
+}
+int storrelse(sqlite3_file* f, sqlite3_int64* s)
+{
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
+    return ekte(fil(f)).xFileSize(fil(f)->ekte, s);
+}
+int kontroll(sqlite3_file* f, int op, void* arg)
+{
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
+    return ekte(fil(f)).xFileControl(fil(f)->ekte, op, arg);
 }
 
 // The rest is the system's.
-int synk(sqlite3_file* f, int flagg) { return ekte(fil(f)).xSync(fil(f)->ekte, flagg); }
-int storrelse(sqlite3_file* f, sqlite3_int64* s) { return ekte(fil(f)).xFileSize(fil(f)->ekte, s); }
 int reservert(sqlite3_file* f, int* ut) { return ekte(fil(f)).xCheckReservedLock(fil(f)->ekte, ut); }
-int kontroll(sqlite3_file* f, int op, void* arg) { return ekte(fil(f)).xFileControl(fil(f)->ekte, op, arg); }
 int sektor(sqlite3_file* f) { return ekte(fil(f)).xSectorSize(fil(f)->ekte); }
 int egenskaper(sqlite3_file* f) { return ekte(fil(f)).xDeviceCharacteristics(fil(f)->ekte); }
 int shmMap(sqlite3_file* f, int i, int n, int b, void volatile** pp)
@@ -98,7 +250,11 @@ int shmMap(sqlite3_file* f, int i, int n, int b, void volatile** pp)
 int shmLaas(sqlite3_file* f, int a, int n, int flagg) { return ekte(fil(f)).xShmLock(fil(f)->ekte, a, n, flagg); }
 void shmBarriere(sqlite3_file* f) { ekte(fil(f)).xShmBarrier(fil(f)->ekte); }
 int shmFjern(sqlite3_file* f, int slett) { return ekte(fil(f)).xShmUnmap(fil(f)->ekte, slett); }
-int hent(sqlite3_file* f, sqlite3_int64 fra, int n, void** pp) { return ekte(fil(f)).xFetch(fil(f)->ekte, fra, n, pp); }
+int hent(sqlite3_file* f, sqlite3_int64 fra, int n, void** pp)
+{
+    if (const int rc = tom(fil(f)); rc != SQLITE_OK) return rc;
+    return ekte(fil(f)).xFetch(fil(f)->ekte, fra, n, pp);
+}
 int slipp(sqlite3_file* f, sqlite3_int64 fra, void* p) { return ekte(fil(f)).xUnfetch(fil(f)->ekte, fra, p); }
 
 const sqlite3_io_methods Metoder = {3,       lukk,        les,       skriv,    kutt,   synk,       storrelse,
@@ -112,6 +268,7 @@ int apne(sqlite3_vfs*, const char* navn, sqlite3_file* f, int flagg, int* utFlag
     p->buffer = nullptr;
     p->fra = p->lengde = 0;
     p->sist = -1;
+    p->skriver = nullptr;
     f->pMethods = nullptr;
     const int rc = grunnlag->xOpen(grunnlag, navn, p->ekte, flagg, utFlagg);
     if (!p->ekte->pMethods) return rc;  // nothing to close
