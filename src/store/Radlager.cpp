@@ -4,24 +4,15 @@
 
 namespace store {
 
-namespace {
-
-// Rows between two requests to the system to start writing the file to the disk: about 8 MB.
-constexpr int64_t SkrivUtHver = 50000;
-
-}  // namespace
-
 Radlager::Radlager(db::Database& d) : db_(d), transaksjon_(d), innsetting_(d, RadInnsetting, RadTekster, RadVerdier) {}
 
 void Radlager::settInn(const Rad* rader, int antall, bool tidFolgerId)
 {
     tidFolgerId_ = tidFolgerId_ && tidFolgerId;
-    const int64_t foer = innsetting_.lagret();
     innsetting_.settInn(static_cast<size_t>(antall), [rader](size_t i) {
         const Rad& rad = rader[i];
         return db::Masseinnsetting::Rad{{rad.tid(), rad.tekst()}, rad.verdier, rad.antall};
     });
-    if (innsetting_.lagret() / SkrivUtHver != foer / SkrivUtHver) db_.begynnSkrivingTilDisk();
 }
 
 void Radlager::lagre()

@@ -5,9 +5,7 @@
 #include "platform/db/Nokkel.h"
 
 #include <QFile>
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace db {
 
@@ -163,16 +161,6 @@ Recordset Database::spor(const QString& sql)
     const QByteArray tekst = tilSqlite(sql, tidFolgerId_).toUtf8();
     sqlite3_stmt* stmt = forbered(tekst.constData());
     return Recordset(db_, stmt);
-}
-
-void Database::begynnSkrivingTilDisk() const
-{
-#ifdef __linux__
-    const int fd = ::open(QFile::encodeName(fil_).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return;
-    sync_file_range(fd, 0, 0, SYNC_FILE_RANGE_WRITE);
-    ::close(fd);
-#endif
 }
 
 Transaksjon::Transaksjon(Database& db) : db_(db) { db_.utforSqlite("BEGIN"); }

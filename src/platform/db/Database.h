@@ -59,9 +59,6 @@ public:
     // run from the lowest to the highest without a gap, so the row count is read off the two ends.
     // A file that states neither is read plainly.
     void settRadorden(bool tidFolgerId, bool idUtenHull);
-    // Has the system start writing to the disk what the file has been given so far, without
-    // waiting for it, so that a long transaction's commit finds little left to flush.
-    void begynnSkrivingTilDisk() const;
     bool idUtenHull() const { return idUtenHull_; }
 
 private:

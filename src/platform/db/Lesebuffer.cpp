@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <mutex>
 #include <new>
 #include <sqlite3.h>
+#include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace db {
@@ -17,6 +20,7 @@ namespace {
 constexpr sqlite3_int64 Strekning = 256 * 1024;
 constexpr size_t Samling = 1024 * 1024;
 constexpr size_t Skrivebit = 64 * 1024;  // the system's layer writes less than 128 KB at a time
+constexpr size_t UtTilDisk = 8 * 1024 * 1024;
 
 sqlite3_vfs* grunnlag = nullptr;  // the system's own layer, which does the work
 
@@ -24,10 +28,11 @@ sqlite3_vfs* grunnlag = nullptr;  // the system's own layer, which does the work
 // thread of its own writes them while SQLite goes on, in the order of their place in the file
 // and those that follow each other with one request. Every other request on the file first waits
 // until all is written (tom), so that it sees the writes as they came; a write that failed is the
-// answer to the next request.
+// answer to the next request. Every UtTilDisk bytes the thread has the system start writing the
+// file to the disk without waiting for it, so that a long transaction's commit finds little left.
 class Skriver {
 public:
-    explicit Skriver(sqlite3_file* ekte) : ekte_(ekte), traad_([this] { kjor(); }) {}
+    Skriver(sqlite3_file* ekte, const char* navn) : ekte_(ekte), navn_(navn), traad_([this] { kjor(); }) {}
     ~Skriver()
     {
         tom();
@@ -37,6 +42,7 @@ public:
         }
         endret_.notify_all();
         traad_.join();
+        if (fd_ >= 0) ::close(fd_);
     }
     Skriver(const Skriver&) = delete;
     Skriver& operator=(const Skriver&) = delete;
@@ -108,7 +114,19 @@ private:
                 rc != SQLITE_OK)
                 return rc;
         }
+        if ((skrevet_ += s.data.size()) >= UtTilDisk) {
+            skrevet_ = 0;
+            begynnSkrivingTilDisk();
+        }
         return SQLITE_OK;
+    }
+
+    void begynnSkrivingTilDisk()
+    {
+#ifdef __linux__
+        if (fd_ < 0) fd_ = ::open(navn_.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd_ >= 0) sync_file_range(fd_, 0, 0, SYNC_FILE_RANGE_WRITE);
+#endif
     }
 
     void kjor()
@@ -128,6 +146,7 @@ private:
     }
 
     sqlite3_file* ekte_;
+    std::string navn_;
     Samlet samlet_;  // gathered by SQLite's thread alone
     std::mutex mutex_;
     std::condition_variable endret_;
@@ -136,6 +155,8 @@ private:
     bool klar_ = false;      // skrives_ waits to be written, or is being written
     bool slutt_ = false;
     int feil_ = SQLITE_OK;
+    size_t skrevet_ = 0;  // since the system was last asked to start writing
+    int fd_ = -1;         // for that request, opened at the first
     std::thread traad_;
 };
 
@@ -147,6 +168,7 @@ struct Fil {
     sqlite3_int64 fra, lengde;  // the stretch the buffer holds; lengde 0: none
     sqlite3_int64 sist;         // where the last read ended
     Skriver* skriver;           // from the first write to a main database file
+    const char* navn;           // the file's name, SQLite's while the file is open
 };
 
 Fil* fil(sqlite3_file* f) { return reinterpret_cast<Fil*>(f); }
@@ -202,7 +224,12 @@ int skriv(sqlite3_file* f, const void* data, int antall, sqlite3_int64 fra)
     Fil* p = fil(f);
     p->lengde = 0;
     if (!p->buffer) return ekte(p).xWrite(p->ekte, data, antall, fra);
-    if (!p->skriver) p->skriver = new (std::nothrow) Skriver(p->ekte);
+    if (!p->skriver) {
+        try {
+            p->skriver = new Skriver(p->ekte, p->navn);
+        } catch (...) {  // no memory or thread: written as it comes
+        }
+    }
     return p->skriver ? p->skriver->skriv(data, antall, fra) : ekte(p).xWrite(p->ekte, data, antall, fra);
 }
 int kutt(sqlite3_file* f, sqlite3_int64 storrelse)
@@ -269,6 +296,7 @@ int apne(sqlite3_vfs*, const char* navn, sqlite3_file* f, int flagg, int* utFlag
     p->fra = p->lengde = 0;
     p->sist = -1;
     p->skriver = nullptr;
+    p->navn = navn;
     f->pMethods = nullptr;
     const int rc = grunnlag->xOpen(grunnlag, navn, p->ekte, flagg, utFlagg);
     if (!p->ekte->pMethods) return rc;  // nothing to close
