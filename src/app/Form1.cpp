@@ -12,6 +12,7 @@
 #include "export/Samlefil.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
+#include "platform/db/Nokkel.h"
 #include "store/Import.h"
 #include "store/Maledata.h"
 #include "store/Nydatabase.h"
@@ -81,6 +82,7 @@ namespace app {
 Form1::Form1(const QString& mappe, dialogs::Dialogs& dialogs, QWidget* parent)
     : QWidget(parent), k_{mappe, Versjon, tilkobling_, *this, dialogs}
 {
+    db::forberedNokkel(k_.sti(store::DataFil));  // derived while the controls are built
     byggKontroller();
     Form_Load();
 }
