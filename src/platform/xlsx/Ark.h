@@ -166,8 +166,8 @@ private:
     std::string foran_, bak_;  // the XML around the cell data
     std::string ns_;           // prefix of the sheet's elements ("" or "x:")
     std::vector<Rad> rader_;   // in order of their numbers
-    // The formulas of the cells; a cell's formula keeps its place, so that a sheet is copied
-    // in two blocks, and a formula removed leaves its place unused.
+    // The formulas of the cells, apart from them so that a sheet is copied in a few blocks; a
+    // cell's formula keeps its place, and a formula removed leaves its place unused.
     std::vector<FormelDel> formler_;
     std::vector<std::string> ekstra_;  // the raw attributes of the cells that have more
     size_t sist_ = 0;                  // the row used last, where the next look-up starts
