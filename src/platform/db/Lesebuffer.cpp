@@ -100,18 +100,26 @@ private:
                 b = std::move(iRekkefolge);
                 break;
             }
-        std::vector<char>& lop = lop_;
         for (size_t i = 0; i < b.size();) {
-            lop.clear();
+            // A run: the pieces that follow each other in the file, up to Skrivebit. Where they
+            // also follow each other in data (mostly), they are written from there.
             const sqlite3_int64 fra = b[i].fra;
-            do {
-                lop.insert(lop.end(), s.data.begin() + static_cast<std::ptrdiff_t>(b[i].i),
-                           s.data.begin() + static_cast<std::ptrdiff_t>(b[i].i + b[i].n));
-                ++i;
-            } while (i < b.size() && b[i].fra == fra + static_cast<sqlite3_int64>(lop.size()) &&
-                     lop.size() + b[i].n <= Skrivebit);
-            if (const int rc = ekte_->pMethods->xWrite(ekte_, lop.data(), static_cast<int>(lop.size()), fra);
-                rc != SQLITE_OK)
+            size_t slutt = i + 1, lengde = b[i].n;
+            bool iData = true;
+            for (; slutt < b.size() && b[slutt].fra == fra + static_cast<sqlite3_int64>(lengde) &&
+                   lengde + b[slutt].n <= Skrivebit;
+                 ++slutt) {
+                iData = iData && b[slutt].i == b[slutt - 1].i + b[slutt - 1].n;
+                lengde += b[slutt].n;
+            }
+            const char* lop = s.data.data() + b[i].i;
+            if (!iData) {
+                lop_.clear();
+                for (; i < slutt; ++i) lop_.insert(lop_.end(), s.data.data() + b[i].i, s.data.data() + b[i].i + b[i].n);
+                lop = lop_.data();
+            }
+            i = slutt;
+            if (const int rc = ekte_->pMethods->xWrite(ekte_, lop, static_cast<int>(lengde), fra); rc != SQLITE_OK)
                 return rc;
         }
         if ((skrevet_ += s.data.size()) >= UtTilDisk) {
@@ -151,7 +159,7 @@ private:
     std::mutex mutex_;
     std::condition_variable endret_;
     Samlet skrives_;         // handed to the thread
-    std::vector<char> lop_;  // a run of pieces that follow each other in the file, for one write
+    std::vector<char> lop_;  // a run gathered from pieces apart in data, for one write
     bool klar_ = false;      // skrives_ waits to be written, or is being written
     bool slutt_ = false;
     int feil_ = SQLITE_OK;
