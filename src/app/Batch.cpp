@@ -10,18 +10,14 @@
 #include "export/Integrering.h"
 #include "export/Samlefil.h"
 #include "files/Tekstfil.h"
-#include "platform/db/Nokkel.h"
 #include "platform/dialogs/SkriptDialogs.h"
 #include "store/Import.h"
-#include "store/Maledata.h"
 
 #include <QApplication>
 #include <QDialog>
-#include <QDir>
 #include <QFileInfo>
 #include <QPixmap>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -329,22 +325,12 @@ void sikreKjoremappe()
     if (!feil) qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(mappe.string()));
 }
 
-// Starts deriving the key of the named folder's Data.mdb, some 35 ms, while Qt starts; the
-// arguments are read in full later.
-void forberedDatabasen(int argc, char** argv)
-{
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::strcmp(argv[i], "--folder") == 0)
-            db::forberedNokkel(QDir(QFile::decodeName(argv[i + 1])).filePath(store::DataFil));
-}
-
 }  // namespace
 
 int kjorBatch(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     sikreKjoremappe();
-    forberedDatabasen(argc, argv);
     QApplication app(argc, argv);
     QStringList args = QCoreApplication::arguments();
     args.removeFirst();

@@ -4,7 +4,6 @@
 #include <condition_variable>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
 #include <mutex>
 #include <new>
 #include <sqlite3.h>
@@ -89,15 +88,15 @@ private:
         samlet_.data.clear();
     }
 
-    // Writes the pieces by their place in the file; when two overlap, all go in the order they came.
+    // Writes the pieces by their place in the file; when two overlap, all go in the order they
+    // came, which is their order in data.
     int skrivUt(Samlet& s)
     {
         std::vector<Bit>& b = s.biter;
-        std::vector<Bit> iRekkefolge = b;
         std::sort(b.begin(), b.end(), [](const Bit& x, const Bit& y) { return x.fra < y.fra; });
         for (size_t i = 1; i < b.size(); ++i)
             if (b[i].fra < b[i - 1].fra + static_cast<sqlite3_int64>(b[i - 1].n)) {
-                b = std::move(iRekkefolge);
+                std::sort(b.begin(), b.end(), [](const Bit& x, const Bit& y) { return x.i < y.i; });
                 break;
             }
         for (size_t i = 0; i < b.size();) {

@@ -1,6 +1,6 @@
 // The database key without its slow derivation. SQLCipher derives a file's key from the
 // password and the file's salt (its first 16 bytes) with 64 000 rounds of PBKDF2-HMAC-SHA1,
-// some 30 ms, at every opening; an import opens three files. The program derives each salt's key
+// some 35 ms, at every opening; an import opens four files. The program derives each salt's key
 // once and hands SQLCipher the key itself from then on, which SQLCipher takes as it is.
 #pragma once
 
