@@ -4,6 +4,7 @@
 #include "analysis/Sykluser.h"
 #include "app/Form1.h"
 #include "app/FrmGraph.h"
+#include "app/Mappelaas.h"
 #include "app/Programmappe.h"
 #include "export/Eksport.h"
 #include "export/Graftittel.h"
@@ -83,7 +84,7 @@ Utfall status(Form1& f, Argumenter& a, SkriptDialogs&)
         ut += (i == f.valgtKolonne() ? QStringLiteral("* ") : QStringLiteral("  ")) + kolonner[i] + QLatin1Char('\n');
     ut += f.adsorpsjon() ? QStringLiteral("Adsorpsjon\n") : QStringLiteral("Desorpsjon\n");
     skriv(ut);
-    return Utfall::Ferdig;
+    return f.databaseSkadet() ? Utfall::Avvist : Utfall::Ferdig;
 }
 
 // A value argument, or the proposed text of the input box when it is left out.
@@ -351,7 +352,13 @@ int kjorBatch(int argc, char** argv)
         const auto& alle = kommandoer();
         auto it = std::find_if(alle.begin(), alle.end(), [&](const auto& k) { return k.first == g.kommando; });
         if (it == alle.end()) throw BrukFeil{QStringLiteral("Ukjent kommando: ") + g.kommando};
-        Form1 vindu(g.mappe ? *g.mappe : programmappe(dialogs), dialogs);
+        const QString mappe = g.mappe ? *g.mappe : programmappe(dialogs);
+        const Mappelaas laas(mappe);
+        if (!laas.ledig()) {
+            dialogs.info(laas.melding());
+            return 1;
+        }
+        Form1 vindu(mappe, dialogs);
         brukGlobalt(vindu, g);
         Argumenter a(g.argumenter);
         const Utfall utfall = it->second(vindu, a, dialogs);

@@ -205,6 +205,7 @@ void Form1::Form_Load()
     apneDatabase();
     files::LesKolonner(k_);
     store::VisAntallPoster(k_);
+    meldSkade();
     files::LesOppsett(k_);
     Option2->setChecked(true);
     boks(dialogs::Boks::Text1)->setEnabled(false);
@@ -214,10 +215,11 @@ void Form1::Form_Load()
 // and a half-built database of an import (the user is told; Data.mdb is the one before it).
 void Form1::ryddOpp()
 {
-    files::RyddForlatteTmp(k_.mappe);
-    files::RyddForlatteTmp(k_.sti(exports::UtMappe));
+    // An import killed while it put its files in place finishes with its own temporary files.
     if (auto notis = store::ryddAvbruttImport(k_))
         k_.dialogs.melding(*notis, dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
+    files::RyddForlatteTmp(k_.mappe);
+    files::RyddForlatteTmp(k_.sti(exports::UtMappe));
 }
 
 // Opens Data.mdb. A missing one is made anew from Template.mdb; one that cannot be opened
@@ -248,6 +250,19 @@ void Form1::apneDatabase()
                 QStringLiteral(".\nFila er ikke endret. En ny import erstatter den med en tom database."),
             dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
     }
+}
+
+// Tells the user once when a statement has found Data.mdb damaged: the measurements cannot be
+// trusted until the raw-data file is imported again.
+void Form1::meldSkade()
+{
+    const QString& skade = tilkobling_.skadet();
+    if (skade.isEmpty() || skade == meldtSkade_) return;
+    meldtSkade_ = skade;
+    k_.dialogs.melding(QStringLiteral("Databasen %1 er skadet (%2). Målingene i den kan ikke brukes. Importer "
+                                      "rådatafila på nytt.")
+                           .arg(tilkobling_.fil(), skade),
+                       dialogs::Knapper::Ok, dialogs::Ikon::Informasjon);
 }
 
 void Form1::Combo1_Click()
@@ -320,6 +335,7 @@ Utfall Form1::kjor(const std::function<Utfall(Kontekst&)>& kommando)
         throw;
     }
     kjorer_ = false;
+    meldSkade();
     return utfall;
 }
 

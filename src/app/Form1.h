@@ -44,6 +44,8 @@ public:
 
     // Writes Oppsett.txt from the six boxes, as Exit does; false (after telling the user) when it cannot.
     bool lagreOppsett();
+    // Whether a statement has found Data.mdb damaged since it was opened.
+    bool databaseSkadet() const { return !tilkobling_.skadet().isEmpty(); }
     // Selects Option1 "Adsorpsjon" (true) or Option2 "Desorpsjon".
     void velgAdsorpsjon(bool adsorpsjon);
     Kontekst& kontekst() { return k_; }
@@ -74,6 +76,7 @@ private:
     void Form_Load();
     void ryddOpp();
     void apneDatabase();
+    void meldSkade();
     void Combo1_Click();
     void Option1_Click();
     void Option2_Click();
@@ -85,6 +88,7 @@ private:
     db::Database tilkobling_;
     Kontekst k_;
     bool kjorer_ = false;
+    QString meldtSkade_;  // the damage last reported, so that it is reported once
     bool avslutter_ = false;
     int opptatt_ = 0;
     std::function<void(FrmGraph&)> grafVisning_;

@@ -1,5 +1,6 @@
 // tolvik: the main window, run on the program folder (see Programmappe.h).
 #include "app/Form1.h"
+#include "app/Mappelaas.h"
 #include "app/Programmappe.h"
 #include "platform/dialogs/QtDialogs.h"
 
@@ -17,8 +18,20 @@ int main(int argc, char** argv)
     }
     QApplication app(argc, argv);
     dialogs::QtDialogs dialogs;
-    app::Form1 vindu(app::programmappe(dialogs), dialogs);
+    const QString mappe = app::programmappe(dialogs);
+    app::Mappelaas laas(mappe);
+    if (!laas.ledig()) {
+        if (laas.visAndre()) return 0;
+        dialogs.info(laas.melding());
+        return 1;
+    }
+    app::Form1 vindu(mappe, dialogs);
     dialogs.settEier(&vindu);
+    laas.vedVisAndre([&vindu] {
+        vindu.showNormal();
+        vindu.raise();
+        vindu.activateWindow();
+    });
     vindu.show();
     return app.exec();
 }

@@ -57,6 +57,7 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     }
     auto integrering = xlsx::apne(k.sti(MalEnkel));
     xlsx::Arbeidsark& ark = integrering->ark(1);
+    lagring.vent();  // the template saved by the cycle before
     auto samle = xlsx::apne(k.sti(MalAlle));
     xlsx::Arbeidsark& samleark = samle->ark(1);
 
@@ -105,19 +106,16 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
 
     const int samleDekket = samleark.fyllNed();
-    const QString samleFil = SyklusNr < SisteSyklus
-                                 ? MalAlle
-                                 : Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx");
-    if (SyklusNr < SisteSyklus) {
-        samle->lagre();  // the template itself carries the areas on to the next cycle
-    } else {
-        samle->lagreSom(utFil(k, samleFil));
-    }
-    samle.reset();
-    udekket.merk(SyklusNr, SyklusNr + 1, samleDekket, samleFil);
     const QString fil = Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx");
     lagring.lagreSom(std::move(integrering), utFil(k, fil));
     udekket.merk(SyklusNr, rad - 1, dekket, fil);
+    // Saved once this cycle's workbook is on the disk, so that the template never holds an area
+    // whose workbook was not written. The template itself carries the areas on to the next cycle.
+    const QString samleFil = SyklusNr < SisteSyklus
+                                 ? MalAlle
+                                 : Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx");
+    lagring.lagreSom(std::move(samle), SyklusNr < SisteSyklus ? k.sti(MalAlle) : utFil(k, samleFil));
+    udekket.merk(SyklusNr, SyklusNr + 1, samleDekket, samleFil);
 }
 
 Utfall Command12_Click(Kontekst& k)

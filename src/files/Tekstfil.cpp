@@ -1,5 +1,7 @@
 #include "files/Tekstfil.h"
 
+#include "platform/fil/Varig.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -7,7 +9,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <filesystem>
 #include <unistd.h>
 
 namespace files {
@@ -70,9 +71,8 @@ NyTekstfil::~NyTekstfil()
 
 void NyTekstfil::erstatt()
 {
-    std::error_code feil;
-    std::filesystem::rename(QFile::encodeName(tmp_).toStdString(), QFile::encodeName(fil_).toStdString(), feil);
-    if (feil)
+    if (const std::error_code feil =
+            fil::byttInn(QFile::encodeName(tmp_).toStdString(), QFile::encodeName(fil_).toStdString()))
         throw FilFeil(QStringLiteral("Kan ikke erstatte fila %1: %2")
                           .arg(fil_, QString::fromLocal8Bit(feil.message()))
                           .toStdString());
@@ -81,7 +81,7 @@ void NyTekstfil::erstatt()
 
 void RyddForlatteTmp(const QString& Mappe)
 {
-    static const QRegularExpression Monster(QStringLiteral("\\.tmp(\\d{1,9})(_\\d+)?$"));
+    static const QRegularExpression Monster(QStringLiteral("\\.tmp(\\d{1,9})(_\\d+)?(\\.[0-9A-Za-z]{6})?$"));
     for (const QString& navn : QDir(Mappe).entryList(QDir::Files | QDir::Hidden)) {
         const QRegularExpressionMatch m = Monster.match(navn);
         if (!m.hasMatch()) continue;

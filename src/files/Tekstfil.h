@@ -39,8 +39,10 @@ public:
     ~NyTekstfil();
     NyTekstfil(const NyTekstfil&) = delete;
     NyTekstfil& operator=(const NyTekstfil&) = delete;
-    // Renames the file over its final name; FilFeil when that fails.
+    // Renames the file over its final name, durably (see fil::byttInn); FilFeil when that fails.
     void erstatt();
+    // Where the file waits for its final name.
+    const QString& tmp() const { return tmp_; }
 
 private:
     QString fil_, tmp_;
@@ -48,8 +50,9 @@ private:
 };
 
 // Removes from a folder the temporary files that the program writes beside a final name
-// (name + ".tmp" + process number, optionally "_" + a count) and that a process no longer
-// running left behind when it was killed.
+// (name + ".tmp" + process number, optionally "_" + a count, optionally the six-character
+// suffix of the zip library's own temporary file) and that a process no longer running left
+// behind when it was killed.
 void RyddForlatteTmp(const QString& Mappe);
 // The first line, or empty text when the file is missing, empty or unreadable.
 QString HentFraFil(const QString& Filnavn);

@@ -35,7 +35,7 @@ std::optional<QString> klargjor(NyDatabase& ny, std::optional<files::Linjeleser>
 
 // Puts the new database and the header's Kolonner.txt in place, both written in full before
 // either replaces its old file; why not, when that fails.
-std::optional<QString> byttInn(Kontekst& k, NyDatabase& ny, const QStringList& overskrift)
+std::optional<QString> byttInn(Kontekst& k, NyDatabase& ny, const QString& fil, const QStringList& overskrift)
 {
     std::optional<files::NyTekstfil> kolonner;
     try {
@@ -44,14 +44,7 @@ std::optional<QString> byttInn(Kontekst& k, NyDatabase& ny, const QStringList& o
     } catch (const files::FilFeil& e) {
         return QString::fromStdString(e.what()) + QLatin1Char('.') + Uendret;
     }
-    if (auto nei = ny.byttInn()) return nei;
-    try {
-        if (kolonner) kolonner->erstatt();
-    } catch (const files::FilFeil& e) {
-        return QString::fromStdString(e.what()) +
-               QStringLiteral(". Radene er importert, men kolonnelista er den gamle.");
-    }
-    return std::nullopt;
+    return ny.byttInn(fil, kolonner ? &*kolonner : nullptr);
 }
 
 // The messages once the file is read: where it stopped or the line count, then the lines left out.
@@ -107,7 +100,7 @@ Utfall Command2_Click(Kontekst& k)
     if (stopp)
         *stopp += Uendret;
     else
-        stopp = byttInn(k, ny, innlesing.overskrift());
+        stopp = byttInn(k, ny, fil, innlesing.overskrift());
     k.vindu.settLabel4(vb::antallTekst(innlesing.behandlet()));
     leser.reset();
     opptatt.reset();

@@ -1,7 +1,10 @@
-// The database an import builds: a new Data.mdb made beside the old one and put in its place
-// only when it is complete, so that an import that does not finish leaves the old one as it was.
+// The database an import builds: a new Data.mdb made beside the old one and put in its place,
+// together with the new Kolonner.txt, only when both are complete. An import that does not finish
+// leaves the old pair as it was; one killed while it puts the new pair in place is finished at
+// the next start. The two files always come from the same raw-data file.
 #pragma once
 
+#include "files/Tekstfil.h"
 #include "platform/Kontekst.h"
 
 #include <optional>
@@ -13,10 +16,14 @@ inline const QString Uendret = QStringLiteral(" Ingenting er importert, og datab
 
 // Where the new database is built, beside Data.mdb.
 inline const QString NyDataFil = QStringLiteral("Data.mdb.import");
+// The list of renames that put an import's files in place, written before the first of them; an
+// import whose list is found at start-up was killed half-way through them and is finished then.
+inline const QString ByttFil = QStringLiteral("Data.mdb.bytt");
 
 // Writes a new, empty database from Template.mdb under the same key but with a salt of its own
 // and leaves `tom` open on it; DbFeil when it cannot.
 void lagFraMal(const QString& mal, const QString& ny, db::Database& tom);
+// The same, closed, and under the name `ny` only once it is complete.
 void lagFraMal(const QString& mal, const QString& ny);
 
 class NyDatabase {
@@ -30,9 +37,11 @@ public:
     // Builds the empty database beside Data.mdb and opens it; the message to show when it cannot.
     std::optional<QString> lag();
     db::Database& db() { return db_; }
-    // Closes the new database and renames it over Data.mdb in one step, then opens the window's
-    // connection on it; the message to show when it cannot (Data.mdb then is the old one).
-    std::optional<QString> byttInn();
+    // Puts the new database over Data.mdb and, when given, the new column list over Kolonner.txt,
+    // as one step that a kill cannot split; then opens the window's connection on the new
+    // database. radata names the raw-data file in the notice of an interrupted step. The message
+    // to show when it cannot (Data.mdb and Kolonner.txt are then the old ones, unless it says so).
+    std::optional<QString> byttInn(const QString& radata, files::NyTekstfil* kolonner);
 
 private:
     void fjern();
@@ -42,8 +51,9 @@ private:
     bool byttet_ = false;
 };
 
-// Removes what an import that was killed left beside Data.mdb; the notice to show, if anything
-// was removed.
+// At start-up, before Data.mdb is opened: finishes putting in place the files of an import that
+// was killed while it did so, or removes the half-built database an import killed earlier left
+// behind. The notice that says which, if there was anything to do.
 std::optional<QString> ryddAvbruttImport(const Kontekst& k);
 
 }  // namespace store

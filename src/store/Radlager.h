@@ -24,6 +24,8 @@ private:
     db::Transaksjon transaksjon_;
     db::Masseinnsetting innsetting_;
     bool tidFolgerId_ = true;
+    static constexpr int64_t RaderMellomUtskriving = 50000;
+    int64_t nesteUtskriving_ = RaderMellomUtskriving;
 };
 
 }  // namespace store

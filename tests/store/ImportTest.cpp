@@ -201,7 +201,7 @@ TEST_F(Import, AvvisningerEndrerIngenting)
          u"Den første (linje 2): ugyldig dato eller klokkeslett «2012.11.23,14:05:61»."_s},
         {gyldig, u"Kan ikke åpne fila "_s + fil, [&] { QFile::remove(fil); }},  // gone after the question
         {gyldig, u"Finner ikke databasemalen "_s + mal + '.', [&] { QFile::remove(mal); }},
-        {gyldig, u"Databasemalen "_s + mal + u" kan ikke brukes: "_s,
+        {gyldig, u"Den nye databasen kan ikke lages fra "_s + mal + u": "_s,
          [&] { mappe.skriv(u"Template.mdb"_s, "ikke en database"); }},
     };
     for (const auto& t : tilfeller) {
@@ -247,7 +247,7 @@ TEST_F(Import, DatabaseSomIkkeKanErstattesGirMelding)
     QDir(mappe.mappe()).mkpath(u"Data.mdb/opptatt"_s);
     vindu(GamleKolonner);
     EXPECT_EQ(importer(testfil("eksempel.csv")), Utfall::Avvist);
-    EXPECT_TRUE(dialogs.meldinger().last().startsWith(u"Kan ikke erstatte databasen "_s + mappe.sti(Data)));
+    EXPECT_TRUE(dialogs.meldinger().last().startsWith(u"Kan ikke erstatte fila "_s + mappe.sti(Data)));
     EXPECT_EQ(mappe.les(Kolonnefil), GamleKolonner);
     EXPECT_TRUE(QFileInfo(mappe.sti(u"Data.mdb/opptatt"_s)).isDir());
 }

@@ -1,8 +1,8 @@
 #include "platform/db/Database.h"
 
 #include "platform/db/JetDialekt.h"
-#include "platform/db/Lesebuffer.h"
 #include "platform/db/Nokkel.h"
+#include "platform/fil/Varig.h"
 
 #include <QFile>
 #include <sqlite3.h>
@@ -46,6 +46,12 @@ QString Database::grunn() const
     switch (sqlite3_errcode(db_)) {
     case SQLITE_FULL: return QStringLiteral("disken er full (%1)").arg(melding);
     case SQLITE_IOERR: return QStringLiteral("lese- eller skrivefeil på disken (%1)").arg(melding);
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return QStringLiteral("databasen er låst av et annet program (%1)").arg(melding);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        skadet_ = melding;
+        return QStringLiteral("databasen er skadet (%1)").arg(melding);
     default: return melding;
     }
 }
@@ -63,13 +69,14 @@ void Database::apneFil(const QString& fil, int flagg, const std::string& nokkel)
     lukk();
     const QByteArray sti = QFile::encodeName(fil);
     sqlite3* db = nullptr;
-    if (sqlite3_open_v2(sti.constData(), &db, flagg, lesebuffer()) != SQLITE_OK) {
+    if (sqlite3_open_v2(sti.constData(), &db, flagg, nullptr) != SQLITE_OK) {
         const QString grunn = QString::fromUtf8(sqlite3_errmsg(db));
         sqlite3_close(db);
         throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: %2").arg(fil, grunn).toStdString());
     }
     db_ = db;
     fil_ = fil;
+    skadet_.clear();
     sqlite3_key(db_, nokkel.data(), static_cast<int>(nokkel.size()));
     // A second thread sorts while the first reads, when an index is built or a result sorted.
     // The page cache is SQLite's usual 2 MB: the program's reads are scans that never come back
@@ -78,11 +85,11 @@ void Database::apneFil(const QString& fil, int flagg, const std::string& nokkel)
                                  nullptr, nullptr, nullptr) == SQLITE_OK &&
                     sqlite3_exec(db_, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
     if (!ok) {
+        const QString g = sqlite3_errcode(db_) == SQLITE_NOTADB
+                              ? QStringLiteral("fila er ikke en database, eller den har et annet passord")
+                              : grunn();
         lukk();
-        throw DbFeil(
-            QStringLiteral("Kan ikke åpne databasen %1: fila er ikke en database, eller den har et annet passord")
-                .arg(fil)
-                .toStdString());
+        throw DbFeil(QStringLiteral("Kan ikke åpne databasen %1: %2").arg(fil, g).toStdString());
     }
     const auto orden = static_cast<int>(spor(QStringLiteral("PRAGMA user_version")).tall(0));
     tidFolgerId_ = orden & TidFolgerId;
@@ -124,6 +131,10 @@ void Database::kopierTil(const QString& fil, const std::string& nokkel)
     }
 }
 
+void Database::utenJournal() { utforSqlite("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"); }
+
+void Database::begynnSkriving() const { fil::begynnSkriving(QFile::encodeName(fil_).toStdString()); }
+
 void Database::lukk()
 {
     if (db_) sqlite3_close_v2(db_);
@@ -160,7 +171,7 @@ Recordset Database::spor(const QString& sql)
 {
     const QByteArray tekst = tilSqlite(sql, tidFolgerId_).toUtf8();
     sqlite3_stmt* stmt = forbered(tekst.constData());
-    return Recordset(db_, stmt);
+    return Recordset(*this, stmt);
 }
 
 Transaksjon::Transaksjon(Database& db) : db_(db) { db_.utforSqlite("BEGIN"); }
@@ -176,7 +187,7 @@ void Transaksjon::fullfor()
     aktiv_ = false;
 }
 
-Recordset::Recordset(sqlite3* db, sqlite3_stmt* stmt) : db_(db), stmt_(stmt)
+Recordset::Recordset(const Database& db, sqlite3_stmt* stmt) : db_(&db), stmt_(stmt)
 {
     const int n = sqlite3_column_count(stmt_);
     for (int i = 0; i < n; ++i) navn_.emplace_back(sqlite3_column_name(stmt_, i));
@@ -217,7 +228,7 @@ void Recordset::steg()
         eof_ = true;
     } else {
         eof_ = true;
-        throw DbFeil(QStringLiteral("Spørringen feilet: %1").arg(QString::fromUtf8(sqlite3_errmsg(db_))).toStdString());
+        db_->kast(QStringLiteral("Spørringen feilet"));
     }
 }
 

@@ -42,8 +42,15 @@ public:
     // so that no two database files share one: nokkel, from nyNokkel. A half-written copy is
     // removed on failure.
     void kopierTil(const QString& fil, const std::string& nokkel);
+    // For a file that is thrown away on any failure (a database being built): no rollback
+    // journal and no waiting for the disk; the caller makes the finished file durable itself.
+    void utenJournal();
+    // Has the system start writing what is written so far to the disk (see fil::begynnSkriving).
+    void begynnSkriving() const;
     void lukk();
     bool erApen() const { return db_ != nullptr; }
+    // What the engine said when a statement last found the file damaged; empty while none has.
+    const QString& skadet() const { return skadet_; }
     const QString& fil() const { return fil_; }
 
     // Runs a statement that returns no rows.
@@ -64,17 +71,20 @@ public:
 private:
     friend class Transaksjon;
     friend class Masseinnsetting;
+    friend class Recordset;
 
     // A statement in SQLite's own text, prepared for repeated use with bound values.
     sqlite3_stmt* forbered(const char* sql);
     sqlite3* handle() const { return db_; }
     void apneFil(const QString& fil, int flagg, const std::string& nokkel);
     [[noreturn]] void kast(const QString& hva) const;
-    // The store's reason for the last failure, with a full disk and disk errors said plainly.
+    // The store's reason for the last failure, with a full disk, disk errors, a lock held by
+    // another program and a damaged file said plainly (the last is also kept in skadet).
     QString grunn() const;
 
     sqlite3* db_ = nullptr;
     QString fil_;
+    mutable QString skadet_;
     bool tidFolgerId_ = false;
     bool idUtenHull_ = false;
 };
@@ -116,10 +126,10 @@ public:
 
 private:
     friend class Database;
-    Recordset(sqlite3* db, sqlite3_stmt* stmt);
+    Recordset(const Database& db, sqlite3_stmt* stmt);
     void steg();
 
-    sqlite3* db_ = nullptr;
+    const Database* db_ = nullptr;
     sqlite3_stmt* stmt_ = nullptr;
     bool eof_ = true;
     std::vector<std::string> navn_;

@@ -1,5 +1,7 @@
 #include "platform/xlsx/Pakke.h"
 
+#include "platform/fil/Varig.h"
+
 #include "platform/xlsx/Arbeidsbok.h"
 #include "platform/xlsx/Xml.h"
 
@@ -293,11 +295,10 @@ void Pakke::skriv(const std::string& sti, const Endringer& endringer) const
         zip_set_file_compression(ut, static_cast<zip_uint64_t>(nr), metode, niva);
     }
     if (zip_close(ut) != 0) avbryt("Kan ikke skrive " + sti + ": " + zip_strerror(ut));
-    std::error_code ec;
-    std::filesystem::rename(tmp, sti, ec);
-    if (ec) {
+    if (const std::error_code feil = fil::byttInn(tmp, sti)) {
+        std::error_code ec;
         std::filesystem::remove(tmp, ec);
-        throw XlsxFeil("Kan ikke lagre " + sti);
+        throw XlsxFeil("Kan ikke lagre " + sti + ": " + feil.message());
     }
 }
 
