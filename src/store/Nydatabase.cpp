@@ -65,7 +65,7 @@ std::optional<QString> fullforBytte(const Kontekst& k, const Bytteliste& liste)
         const QString fra = k.sti(b.fra), til = k.sti(b.til);
         if (!QFile::exists(fra)) continue;  // renamed before a kill
         // A journal that the replaced database left would be taken for the new one's.
-        QFile::remove(til + QStringLiteral("-journal"));
+        if (b.til == DataFil) QFile::remove(til + QStringLiteral("-journal"));
         std::error_code feil;
         std::filesystem::rename(lokal(fra), lokal(til), feil);
         if (feil)
