@@ -79,8 +79,9 @@ TEST(Tekstfiler, ForlatteTmpFilerFjernes)
     // A temporary file of a process that no longer runs goes; one of a running process stays.
     test::Programmappe m;
     const QString egen = QStringLiteral("Oppsett.txt.tmp%1").arg(QCoreApplication::applicationPid());
-    for (const QString& navn : {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("Oppsett.txt.tmp999999998"),
-                                egen, QStringLiteral("tmp123.txt")})
+    // Also the zip library's own temporary file of a workbook being saved.
+    for (const QString& navn : {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("a.xlsx.tmp999999999_4.Xy9aB1"),
+                                QStringLiteral("Oppsett.txt.tmp999999998"), egen, QStringLiteral("tmp123.txt")})
         m.skriv(navn, "x");
     RyddForlatteTmp(m.mappe());
     EXPECT_EQ(QDir(m.mappe()).entryList({QStringLiteral("*tmp*")}, QDir::Files), QStringList({egen, "tmp123.txt"}));

@@ -264,6 +264,18 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
     EXPECT_EQ(std::pair(k.status, k.ut), std::pair(0, sporsmal + u"Antall linjer importert:   2\n\n"_s));
     EXPECT_TRUE(kjor({"status"}).ut.startsWith(u"Tolvik -   1 poster"_s));
     EXPECT_EQ(kjor({"import"}).status, 2);
+    // A damaged Data.mdb (its key and first page whole, the table's root page not) is said so
+    // at the start, and a new import replaces it.
+    {
+        QFile data(p.sti(u"Data.mdb"_s));
+        ASSERT_TRUE(data.open(QIODevice::ReadWrite) && data.seek(4096) && data.write(QByteArray(4096, 'x')) == 4096);
+    }
+    k = kjor({"status"});
+    EXPECT_EQ(k.status, 1);
+    EXPECT_TRUE(k.ut.startsWith(u"Databasen "_s + p.sti(u"Data.mdb"_s) + u" er skadet ("_s) &&
+                k.ut.contains(u"Importer rådatafila på nytt."_s))
+        << k.ut;
+    EXPECT_EQ(kjor({"import", fil}).status, 0);
     // The shipped example files import completely: the question and the count only.
     const QStringList eksempler = QDir(QStringLiteral(TOLVIK_KILDE "/examples")).entryList({"*.csv"}, QDir::Files);
     ASSERT_EQ(eksempler.size(), 2);
