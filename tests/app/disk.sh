@@ -36,7 +36,25 @@ siste=0; kjor --save-settings --set Text4=1 --set Text6=2 status || siste=$?; fo
 siste=0; kjor --adsorption find-cycles --start 50 --apply || siste=$?; forvent 0 "sykluser"
 for f in Data.mdb Kolonner.txt Oppsett.txt SnuPunkter.txt Mal_Sykluser.xlsx; do cp "$disk/$f" "$utenfor/$f"; done
 
-# The new database outgrows the disk half-way through the file: the old one stays.
+# A search on a column without a time index: on a full disk the index cannot be built, and the
+# search answers as on a roomy disk.
+cp "$disk/Data.mdb" "$utenfor/uten-indeks.mdb"
+siste=0; kjor --column C --adsorption find-cycles --start 50 || siste=$?; forvent 0 "sykluser"
+cp "$disk/SnuPunkter.txt" "$utenfor/snu-C"
+for kb in 8 64 384; do
+  cp "$utenfor/uten-indeks.mdb" "$disk/Data.mdb"; fyll $kb
+  siste=0; kjor --column C --adsorption find-cycles --start 50 || siste=$?; forvent 0 "sykluser"
+  cmp -s "$disk/SnuPunkter.txt" "$utenfor/snu-C" || { echo "FEIL: andre snupunkter med $kb KB ledig"; feil=1; }
+  rm -f "$disk"/fyll*
+done
+cp "$utenfor/Data.mdb" "$utenfor/SnuPunkter.txt" "$disk"/
+
+# The new database outgrows the disk while the template is copied, or half-way through the
+# file: the old one stays.
+fyll 8
+siste=0; kjor import "$CSV" || siste=$?; forvent 1 "disken er full"
+uendret Data.mdb Kolonner.txt
+rm -f "$disk"/fyll*
 fyll 300
 siste=0; kjor import "$CSV" || siste=$?; forvent 1 "disken er full"
 forvent 1 "Ingenting er importert, og databasen er uendret."

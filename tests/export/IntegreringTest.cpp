@@ -143,6 +143,14 @@ TEST_F(Integrering, ManglendeMalerOgFeilStopperMedEnMelding)
     EXPECT_EQ(m[m.size() - 2], QStringLiteral("Du mangler malfila for alle"));
     EXPECT_TRUE(m.last().startsWith(exports::FeilMelding));
     EXPECT_TRUE(utfiler().isEmpty());
+
+    // A cycle's workbook that cannot be saved (a folder holds its name): the summary template
+    // never learns that cycle's area.
+    QFile::copy(QStringLiteral(TOLVIK_DIST "/") + MalAlle, mappe.sti(MalAlle));
+    const QByteArray mal = mappe.les(MalAlle);
+    QDir().mkpath(ut(QStringLiteral("P_1.xlsx")));
+    EXPECT_EQ(kjor("1", "2"), Utfall::Avvist);
+    EXPECT_EQ(mappe.les(MalAlle), mal);
 }
 
 TEST_F(Integrering, BatchSvarerMedMinutterForOgEtter)

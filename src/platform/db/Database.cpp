@@ -5,6 +5,7 @@
 #include "platform/fil/Varig.h"
 
 #include <QFile>
+#include <cstring>
 #include <sqlite3.h>
 
 namespace db {
@@ -42,8 +43,12 @@ void Database::kast(const QString& hva) const
 QString Database::grunn() const
 {
     if (!db_) return {};
-    const QString melding = QString::fromUtf8(sqlite3_errmsg(db_));
-    switch (sqlite3_errcode(db_)) {
+    const char* tekst = sqlite3_errmsg(db_);
+    const QString melding = QString::fromUtf8(tekst);
+    // sqlcipher_export passes on a full disk of the copy as a plain error with the engine's text.
+    int kode = sqlite3_errcode(db_);
+    if (std::strcmp(tekst, sqlite3_errstr(SQLITE_FULL)) == 0) kode = SQLITE_FULL;
+    switch (kode) {
     case SQLITE_FULL: return QStringLiteral("disken er full (%1)").arg(melding);
     case SQLITE_IOERR: return QStringLiteral("lese- eller skrivefeil på disken (%1)").arg(melding);
     case SQLITE_BUSY:
