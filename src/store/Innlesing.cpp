@@ -36,7 +36,7 @@ std::optional<QString> Innlesing::les()
     Radlager lager(db_);
     {
         Lesetraad leser(tolker_);
-        auto nesteVisning = Klokke::now() + Fremdriftsintervall;
+        auto nesteVisning = Klokke::now();  // the first count is shown at once
         try {
             for (bool ferdig = false; !ferdig;) {
                 Blokk& b = leser.neste();
