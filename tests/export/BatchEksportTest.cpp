@@ -6,9 +6,9 @@ using namespace test;
 
 namespace {
 
-class Batch : public Eksportmappe {};
+class BatchEksport : public Eksportmappe {};
 
-TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
+TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
     snupunkter({10 * 60, 20 * 60});
@@ -46,7 +46,7 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
 
 // Settings and files a user or another program spoiled: each export ends with its message and
 // writes nothing.
-TEST_F(Batch, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
+TEST_F(BatchEksport, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
     const QStringList mange(40000, QStringLiteral("23.11.2012 00:10:00"));
@@ -81,7 +81,7 @@ TEST_F(Batch, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
     EXPECT_EQ(mappe.les(QStringLiteral("Data_Bearbeidet")), "fil");
 }
 
-TEST_F(Batch, UtfallOgBruksfeil)
+TEST_F(BatchEksport, UtfallOgBruksfeil)
 {
     auto r = batch({"export-single", "--prefix", "P"});
     EXPECT_EQ(r.status, 1);
