@@ -60,7 +60,7 @@ QString sporPrefiks(Kontekst& k)
 QString utFil(const Kontekst& k, const QString& navn)
 {
     kontrollerFilnavn(navn, 0);
-    return k.sti(UtMappe) + QLatin1Char('/') + navn;
+    return iMappe(k.sti(UtMappe), navn);
 }
 
 vb::Dato dataStart(Kontekst& k)

@@ -53,8 +53,10 @@ inline const QString& samleMal(const dialogs::Vindu& vindu)
     return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon;
 }
 
-// Full path of a file in the output folder. vb::Feil when the name holds a character that a
-// file name cannot hold on any of the systems the lab uses (\ / : * ? " < > | or a control character).
+// Full path of a file in the output folder; an existing file whose name differs only in case is
+// that file, so a later export overwrites it instead of writing a second one. vb::Feil when the
+// name holds a character that a file name cannot hold on any of the systems the lab uses
+// (\ / : * ? " < > | or a control character).
 QString utFil(const Kontekst& k, const QString& navn);
 
 // DatoTid of the first measurement row; vb::Feil when the table is empty.
