@@ -101,7 +101,8 @@ void Fremdrift::rad(long long rad)
 void Udekket::merk(int syklus, int sisteRad, int dekket, const QString& fil)
 {
     if (sisteRad <= dekket) return;
-    linjer_ << QStringLiteral("Syklus %1: rad %2–%3 i %4").arg(syklus).arg(dekket + 1).arg(sisteRad).arg(fil);
+    linjer_ << QStringLiteral("Syklus %1: rad %2–%3 i %4")
+                   .arg(QString::number(syklus), QString::number(dekket + 1), QString::number(sisteRad), fil);
 }
 
 void Udekket::vis(dialogs::Dialogs& dialogs) const

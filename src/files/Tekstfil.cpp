@@ -146,9 +146,7 @@ bool Linjeleser::fyll()
     }
     if (slutt_ == buf_.size())
         throw FilFeil(QStringLiteral("Linje %1 i fila %2 er lengre enn %3 MB")
-                          .arg(linjeNr_ + 1)
-                          .arg(fil_.fileName())
-                          .arg(MaksLinje >> 20)
+                          .arg(QString::number(linjeNr_ + 1), fil_.fileName(), QString::number(MaksLinje >> 20))
                           .toStdString());
     const qint64 n = fil_.read(buf_.data() + slutt_, static_cast<qint64>(buf_.size() - slutt_));
     if (n < 0)
