@@ -82,20 +82,21 @@ QString fremdrift(long long rad, int syklus)
     return vb::antallTekst(rad) + QStringLiteral(" (Run ") + QString::number(syklus) + QLatin1Char(')');
 }
 
-Fremdrift::Fremdrift(dialogs::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) { klokke_.start(); }
+Fremdrift::Fremdrift(dialogs::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) {}
 
 Fremdrift::~Fremdrift()
 {
     if (rad_ >= 0) vindu_.settLabel4(fremdrift(rad_, syklus_));
 }
 
-void Fremdrift::rad(long long rad)
+bool Fremdrift::rad(long long rad)
 {
     rad_ = rad;
-    if (klokke_.elapsed() < 50) return;
+    if (klokke_.isValid() && klokke_.elapsed() < 50) return false;
     vindu_.settLabel4(fremdrift(rad_, syklus_));
     vindu_.behandleHendelser();
-    klokke_.restart();
+    klokke_.start();
+    return true;
 }
 
 void Udekket::merk(int syklus, int sisteRad, int dekket, const QString& fil)
