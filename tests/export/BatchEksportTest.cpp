@@ -22,6 +22,16 @@ TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
     EXPECT_EQ(bok.diagrammer(2, "tittel"), QVariantList({"Forsøk 7", "Forsøk 7"}));
     EXPECT_EQ(bok.diagrammer(2, "xmin").value(0), 11.0);  // first row 20:00 − 9 min
 
+    // Names that differ only in case name one file: a later export overwrites the file there.
+    mappe.skriv(QStringLiteral("Data_Bearbeidet/LAB_Samlefil.xlsm"), "gammel");
+    for (const QString& kommando : {"export-single", "export-combined"}) {
+        r = batch(
+            {"--column", "C", "--adsorption", "--set", "Text4=2", "--set", "Text6=2", kommando, "--prefix", "lab"});
+        EXPECT_EQ(r.status, 0) << r.feil.toStdString();
+    }
+    EXPECT_EQ(utfiler(), QStringList({"LAB_Samlefil.xlsm", "Lab_2.xlsx"}));
+    EXPECT_TRUE(lesArbeidsbok(ut(QStringLiteral("LAB_Samlefil.xlsm"))).json[QStringLiteral("makro")].toBool());
+
     // A failure shows the export's one message; the cause goes to stderr for diagnosis.
     r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "a/b"});
     EXPECT_EQ(r.status, 1);
