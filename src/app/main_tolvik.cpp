@@ -25,13 +25,18 @@ int main(int argc, char** argv)
         dialogs.info(laas.melding());
         return 1;
     }
+    // Listening from the moment the folder is ours: a second window started while this one is
+    // still being built finds it, and this one comes forward once it is shown.
+    app::Form1* vist = nullptr;
+    laas.vedVisAndre([&vist] {
+        if (!vist) return;
+        vist->showNormal();
+        vist->raise();
+        vist->activateWindow();
+    });
     app::Form1 vindu(mappe, dialogs);
     dialogs.settEier(&vindu);
-    laas.vedVisAndre([&vindu] {
-        vindu.showNormal();
-        vindu.raise();
-        vindu.activateWindow();
-    });
+    vist = &vindu;
     vindu.show();
     return app.exec();
 }

@@ -48,10 +48,14 @@ Kjoring batch(const QStringList& argumenter)
 
 }  // namespace test
 
-// Every test program runs the real Qt application on the offscreen platform.
+// Every test program runs the real Qt application on the offscreen platform; the programs it
+// starts report a sanitizer's finding with test::Sanitizerstatus.
 int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QByteArray status = QByteArray::number(test::Sanitizerstatus);
+    qputenv("ASAN_OPTIONS", "exitcode=" + status);
+    qputenv("UBSAN_OPTIONS", "halt_on_error=1:print_stacktrace=1:exitcode=" + status);
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

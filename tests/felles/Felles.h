@@ -28,7 +28,7 @@ struct Kjoring {
     QString feil;
 };
 // The exit status the test environment gives the sanitizers' reports.
-constexpr int Sanitizerstatus = 86;
+constexpr int Sanitizerstatus = TOLVIK_SANITIZERSTATUS;
 // Runs the built tolvik-batch with these arguments; a run that hangs, crashes or ends with a
 // sanitizer's report fails the test (and gives status -1).
 Kjoring batch(const QStringList& argumenter);
