@@ -142,6 +142,13 @@ std::optional<vb::Dato> forsteTid(db::Database& d)
     return poster.dato("DatoTid");
 }
 
+std::optional<vb::Dato> sisteTid(db::Database& d)
+{
+    auto poster = d.spor(QStringLiteral("Select DatoTid from Datalinjer where ID = (Select Max(ID) from Datalinjer)"));
+    if (poster.eof()) return std::nullopt;
+    return poster.dato("DatoTid");
+}
+
 bool harRader(db::Database& d)
 {
     return !d.spor(QStringLiteral("Select DatoTid from Datalinjer where (Select min(ID) from Datalinjer)")).eof();

@@ -59,6 +59,8 @@ std::optional<db::Recordset> forsteRad(db::Database& d);
 // DatoTid of the first measurement row, as the single-cycle and integration exports read it;
 // empty for an empty table.
 std::optional<vb::Dato> forsteTid(db::Database& d);
+// DatoTid of the last measurement row (highest ID); empty for an empty table.
+std::optional<vb::Dato> sisteTid(db::Database& d);
 // Whether the table holds a row, as the combined export asks it.
 bool harRader(db::Database& d);
 
