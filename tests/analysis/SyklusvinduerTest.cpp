@@ -1,5 +1,12 @@
 #include "analysis/Syklusvinduer.h"
+#include "app/FrmGraph.h"
 #include "felles/MedVindu.h"
+
+#include <QChart>
+#include <QChartView>
+#include <QMouseEvent>
+#include <QTabBar>
+#include <QTableWidget>
 
 namespace {
 
@@ -127,3 +134,49 @@ TEST_F(Syklusvinduer, AvvisningerGirEksportenesMeldinger)
 }
 
 }  // namespace
+
+// The graph window's second tab: the cycles with their table, shifted onto the zero points when
+// aligned, the readout naming the cycle under the mouse, and the view saved as PNG and as PDF.
+TEST_F(Syklusvinduer, VisningITabellOgBilde)
+{
+    f->velgAdsorpsjon(true);
+    bool vist = false;
+    f->settGrafVisning([&](app::FrmGraph& g) {
+        vist = true;
+        g.show();
+        auto* faner = g.findChild<QTabBar*>(u"Visning"_s);
+        faner->setCurrentIndex(1);
+        ASSERT_TRUE(g.sykluser());
+        auto* tabell = g.findChild<QTableWidget*>(u"Syklustabell"_s);
+        ASSERT_EQ(tabell->rowCount(), 3);
+        EXPECT_TRUE(tabell->isVisible());
+        EXPECT_EQ(tabell->item(1, 1)->text(), u"23.11.2012 17:20:00"_s);
+        EXPECT_NE(tabell->item(2, 0)->background(), tabell->item(0, 0)->background());  // cycle 3 marked
+
+        // From the turning points: minute −9 to 20; aligned: the zero points at 0, cycle 2 from −9 + 17.
+        EXPECT_EQ(g.tidsomrade(), QPointF(-9, 20));
+        QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
+        const auto iVisning = [&](QPointF verdi) {
+            return visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition(verdi)));
+        };
+        const QPointF over = iVisning({-7, 5e-9});  // cycle 2's surge, 7 minutes before its turning point
+        QMouseEvent flytt(QEvent::MouseMove, over, visning->mapToGlobal(over), Qt::NoButton, Qt::NoButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(visning->viewport(), &flytt);
+        EXPECT_EQ(g.avlesningTekst(), u"Syklus 2    −7,00 min fra snupunktet    5E-09"_s);
+
+        g.settJustert(true);
+        EXPECT_EQ(g.tidsomrade(), QPointF(0, 37));
+        EXPECT_EQ(g.kurver()[1].forskyvning, -17);
+
+        for (const QString& navn : {u"bilde.png"_s, u"bilde.pdf"_s}) {
+            ASSERT_TRUE(g.lagreBilde(mappe.sti(navn))) << navn;
+            EXPECT_TRUE(mappe.les(navn).startsWith(navn.endsWith(u"pdf"_s) ? "%PDF" : "\x89PNG")) << navn;
+        }
+        faner->setCurrentIndex(0);
+        EXPECT_FALSE(tabell->isVisible());
+        EXPECT_EQ(g.tidsomrade().y(), 335);
+    });
+    f->Command8_Click();
+    EXPECT_TRUE(vist);
+}
