@@ -95,7 +95,7 @@ Syklusbilde lesSykluser(Kontekst& k, const files::SnuPunkter& liste, const QStri
         const Tidsvindu vindu = enkeltvindu(k, s.snupunkt);
         s.null = minutterFra(s.snupunkt, samlevindu(k, s.snupunkt, K, periode).fra);
         s.utenforData = vindu.fra < *start || vindu.til > *slutt;
-        auto poster = store::vinduRader(k.tilkobling, false, vindu.fra, vindu.til);
+        auto poster = store::vinduRader(k.tilkobling, false, vindu.fra, vindu.til, K);
         const int tid = poster.kolonne("DatoTid");
         for (; !poster.eof(); poster.moveNext()) {
             s.minutter.push_back(minutterFra(s.snupunkt, poster.dato(tid)));

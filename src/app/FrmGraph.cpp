@@ -90,6 +90,20 @@ void settOmrade(QValueAxis* akse, double min, double max)
     akse->setRange(min, max);
 }
 
+// The points of a curve whose minutes, shifted, lie from fra to til, with utenfor more on either
+// side (to draw the segments that leave the view); every point of a curve whose minutes fall somewhere.
+std::pair<QList<QPointF>::const_iterator, QList<QPointF>::const_iterator>
+synlige(const FrmGraph::Kurvedel& del, double fra, double til, qsizetype utenfor)
+{
+    const QList<QPointF>& p = *del.punkter;
+    if (!del.sortert) return {p.begin(), p.end()};
+    const auto mindre = [](const QPointF& a, double x) { return a.x() < x; };
+    const auto a = std::lower_bound(p.begin(), p.end(), fra + del.forskyvning, mindre);
+    const auto b = std::upper_bound(p.begin(), p.end(), til + del.forskyvning,
+                                    [](double x, const QPointF& a) { return x < a.x(); });
+    return {a - std::min(utenfor, a - p.begin()), b + std::min(utenfor, p.end() - b)};
+}
+
 // Something drawn over the plot area and clipped to it, again after every zoom or move.
 class Plottlag : public QGraphicsItem {
 public:
@@ -133,35 +147,38 @@ protected:
     }
 
 private:
-    // The points in the plot area's pixels, one pixel column at a time reduced to four.
+    // The points in the plot area's pixels, one pixel column at a time reduced to four: its
+    // first, largest, smallest and last value, found on the values themselves, so only those four
+    // are taken to the screen (and to the log scale).
     std::vector<QPointF> hjorner(const QRectF& f, const FrmGraph::Kurvedel& del) const
     {
         const QPointF t = graf_.tidsomrade(), v = graf_.verdiomrade();
         const bool log = graf_.logaritmisk();
         const auto y = [log](double verdi) { return log ? std::log10(verdi) : verdi; };
         const double sx = f.width() / (t.y() - t.x()), sy = f.height() / (y(v.y()) - y(v.x()));
-        const double x0 = t.x() + del.forskyvning;
+        const double x0 = t.x() + del.forskyvning, y0 = y(v.x());
+        const auto skjerm = [&](const QPointF& p) {
+            return QPointF(f.left() + (p.x() - x0) * sx,
+                           std::clamp(f.bottom() - (y(p.y()) - y0) * sy, f.top() - 1e6, f.bottom() + 1e6));
+        };
         std::vector<QPointF> ut;
-        QPointF forste, minst, storst, siste;
+        const QPointF *forste = nullptr, *minst = nullptr, *storst = nullptr, *siste = nullptr;
         double kolonne = std::nan("");
         const auto tom = [&] {
-            if (std::isnan(kolonne)) return;
-            ut.push_back(forste);
-            ut.push_back(minst.y() < storst.y() ? minst : storst);
-            ut.push_back(minst.y() < storst.y() ? storst : minst);
-            ut.push_back(siste);
+            if (!forste) return;
+            for (const QPointF* p : {forste, storst, minst, siste}) ut.push_back(skjerm(*p));
         };
-        for (const QPointF& punkt : *del.punkter) {
-            const double py = std::clamp(f.bottom() - (y(punkt.y()) - y(v.x())) * sy, f.top() - 1e6, f.bottom() + 1e6);
-            const QPointF q(f.left() + (punkt.x() - x0) * sx, py);
-            if (std::floor(q.x()) != kolonne) {
+        const auto [fra, til] = synlige(del, t.x(), t.y(), 1);
+        for (auto p = fra; p != til; ++p) {
+            const double k = std::floor(f.left() + (p->x() - x0) * sx);
+            if (k != kolonne) {
                 tom();
-                kolonne = std::floor(q.x());
-                forste = minst = storst = q;
+                kolonne = k;
+                forste = minst = storst = &*p;
             }
-            if (q.y() < minst.y()) minst = q;
-            if (q.y() > storst.y()) storst = q;
-            siste = q;
+            if (p->y() < minst->y()) minst = &*p;
+            if (p->y() > storst->y()) storst = &*p;
+            siste = &*p;
         }
         tom();
         return ut;
@@ -383,6 +400,7 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
         forsteMinutt_ = *a;
         sisteMinutt_ = *b > *a ? *b : *a + 1;
     }
+    sortert_ = std::is_sorted(graf_.minutter.begin(), graf_.minutter.begin() + static_cast<long>(n));
     byggKontroller();
     byggDiagram();
     tilbakestill();
@@ -589,6 +607,12 @@ void FrmGraph::byggSykluser()
             k.punkter.append(QPointF(s.minutter[i], s.verdier[i]));
             k.logPunkter.append(QPointF(s.minutter[i], s.verdier[i] > 0 ? s.verdier[i] : syklusBunn_));
         }
+        k.sortert = std::is_sorted(s.minutter.begin(), s.minutter.end());
+        if (!s.minutter.empty()) {
+            const auto [forst, sist] = std::minmax_element(s.minutter.begin(), s.minutter.end());
+            k.forst = *forst;
+            k.sist = *sist;
+        }
         sykluskurver_.push_back(std::move(k));
     }
 
@@ -648,37 +672,39 @@ void FrmGraph::visModus()
 
 std::vector<FrmGraph::Kurvedel> FrmGraph::kurver() const
 {
-    if (!sykluser_) return {{&kurve(), KurveFarge, 0.0}};
+    if (!sykluser_) return {{&kurve(), KurveFarge, 0.0, sortert_}};
     std::vector<Kurvedel> deler;
     for (const Sykluskurve& s : sykluskurver_)
-        deler.push_back({logaritmisk_ ? &s.logPunkter : &s.punkter, s.farge, justert_ ? s.null : 0.0});
+        deler.push_back({logaritmisk_ ? &s.logPunkter : &s.punkter, s.farge, justert_ ? s.null : 0.0, s.sortert});
     return deler;
 }
 
 QPointF FrmGraph::minutter() const
 {
     if (!sykluser_) return {forsteMinutt_, sisteMinutt_};
-    std::optional<QPointF> omrade;
-    for (const Kurvedel& del : kurver())
-        for (const QPointF& p : *del.punkter) {
-            const double x = p.x() - del.forskyvning;
-            omrade = omrade ? QPointF(std::min(omrade->x(), x), std::max(omrade->y(), x)) : QPointF(x, x);
-        }
     // The zero minute, where the cycles meet, always in sight.
-    if (!omrade) return {std::min(-bilde_->foer, 0.0), std::max(bilde_->etter, 0.0)};
-    return {std::min(omrade->x(), 0.0), std::max(omrade->y(), 0.0)};
+    double forst = 0, sist = 0;
+    for (const Sykluskurve& s : sykluskurver_) {
+        if (s.punkter.isEmpty()) continue;
+        const double forskyvning = justert_ ? s.null : 0.0;
+        forst = std::min(forst, s.forst - forskyvning);
+        sist = std::max(sist, s.sist - forskyvning);
+    }
+    return {forst, sist > forst ? sist : forst + 1};
 }
 
 std::optional<QPointF> FrmGraph::verdierMellom(double fra, double til) const
 {
     std::optional<QPointF> omrade;
-    for (const Kurvedel& del : kurver())
-        for (const QPointF& p : *del.punkter) {
-            const double x = p.x() - del.forskyvning;
+    for (const Kurvedel& del : kurver()) {
+        const auto [a, b] = synlige(del, fra, til, 0);
+        for (auto p = a; p != b; ++p) {
+            const double x = p->x() - del.forskyvning;
             if (x < fra || x > til) continue;
-            if (!omrade) omrade = QPointF(p.y(), p.y());
-            omrade = QPointF(std::min(omrade->x(), p.y()), std::max(omrade->y(), p.y()));
+            if (!omrade) omrade = QPointF(p->y(), p->y());
+            omrade = QPointF(std::min(omrade->x(), p->y()), std::max(omrade->y(), p->y()));
         }
+    }
     if (!omrade) return std::nullopt;
     return logaritmisk_ ? dekader(omrade->x(), omrade->y()) : medMarg(omrade->x(), omrade->y());
 }

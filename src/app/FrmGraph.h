@@ -57,11 +57,13 @@ public:
     // What the cycles view draws, once it has been read.
     const std::optional<analysis::Syklusbilde>& syklusbilde() const { return bilde_; }
 
-    // A curve as it is drawn: its points on the current value axis, shifted forskyvning minutes to the left.
+    // A curve as it is drawn: its points on the current value axis, shifted forskyvning minutes to
+    // the left; sortert when their minutes never fall, so that the points in view can be found by halving.
     struct Kurvedel {
         const QList<QPointF>* punkter;
         QColor farge;
         double forskyvning;
+        bool sortert;
     };
     std::vector<Kurvedel> kurver() const;
 
@@ -112,6 +114,7 @@ private:
     QList<QPointF> punkter_, logPunkter_, nullPunkter_;  // nullPunkter_: values at or below zero, at the floor
     double bunn_ = 1e-15;  // the log axis's floor: the decade below the smallest value above zero
     double forsteMinutt_ = 0, sisteMinutt_ = 1;
+    bool sortert_ = false;  // the whole file's minutes never fall
 
     // The cycles view: each cycle's points (minutes from its turning point) on either axis.
     struct Sykluskurve {
@@ -119,6 +122,8 @@ private:
         QList<QPointF> punkter, logPunkter;
         QColor farge;
         double null;  // minutes from the turning point to the combined zero point
+        bool sortert;
+        double forst, sist;  // its first and last minute
     };
     std::function<std::optional<analysis::Syklusbilde>()> sykluskilde_;
     std::optional<analysis::Syklusbilde> bilde_;

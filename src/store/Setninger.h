@@ -39,8 +39,9 @@ QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart
 QString snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);
 // The row of a span's largest value, both ends exclusive.
 QString maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& til);
-// The rows of a window in ID order: the start row taken or not (medStart), the end row always.
-QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
+// The rows of a window in ID order: the start row taken or not (medStart), the end row always;
+// every field, or with a column letter K only DatoTid and K.
+QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til, const QString& K = {});
 }  // namespace setning
 
 // ------------------------------------------------------------------ the queries
@@ -84,6 +85,8 @@ vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, boo
 // empty when the span has no row.
 std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dato& fra, const vb::Dato& til);
 // Every row of a time window in ID order; the row at fra only with medStart, the row at til always.
-db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til);
+// With a column letter K only DatoTid and K, which the column's time index holds without the table rows.
+db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til,
+                         const QString& K = {});
 
 }  // namespace store
