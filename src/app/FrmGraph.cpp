@@ -12,6 +12,7 @@
 #include <QHeaderView>
 #include <QIcon>
 #include <QLabel>
+#include <QLegend>
 #include <QLineSeries>
 #include <QLocale>
 #include <QLogValueAxis>
@@ -252,6 +253,10 @@ protected:
         for (int i = 0; i <= 8; ++i) gradient.setColorAt(i / 8.0, skalaFarge(i / 8.0));
         p.fillRect(stolpe, gradient);
         p.setPen(Qt::black);
+        // In pixels, so that a PDF's painter (a point a pixel) writes it as large as the screen shows it.
+        QFont skrift = chart_->legend()->font();
+        skrift.setPixelSize(12);
+        p.setFont(skrift);
         const QString forste = QString::number(bilde->sykluser.front().syklus);
         const QString siste = QString::number(bilde->sykluser.back().syklus);
         p.drawText(QRectF(boks.left() + 10, boks.top() + 4, boks.width() - 20, 16), Qt::AlignLeft,
@@ -478,8 +483,8 @@ void FrmGraph::byggKontroller()
     knapper->addWidget(avlesning_, 1);
     knapper->addWidget(Command1);
     auto* innhold = new QHBoxLayout;
-    innhold->addWidget(Frame1, 3);
-    innhold->addWidget(tabell_, 2);
+    innhold->addWidget(Frame1, 1);
+    innhold->addWidget(tabell_, 1);
     auto* hoved = new QVBoxLayout(this);
     hoved->addWidget(faner_);
     hoved->addLayout(innhold, 1);
@@ -582,7 +587,7 @@ bool FrmGraph::visSykluser(bool sykluser)
     }
     if (sykluser != sykluser_) {
         sykluser_ = sykluser;
-        if (sykluser_ && width() < 1500) resize(1500, height());
+        if (sykluser_ && width() < 1700) resize(1700, height());
         visModus();
         tilbakestill();
     }
