@@ -25,7 +25,7 @@ inline const dialogs::Sporsmal SporPeriode{
 // points, or nothing after the message.
 std::optional<files::SnuPunkter> lesSnupunkter(Kontekst& k);
 
-// A time window: the rows after fra (or from fra, as the window's own statement says) to til.
+// A time window from fra to til; whether the row at fra belongs to it is the reading statement's part.
 struct Tidsvindu {
     vb::Dato fra, til;
 };
