@@ -604,19 +604,20 @@ void FrmGraph::byggSykluser()
     syklusPositive_ = std::any_of(alle.begin(), alle.end(), [](double v) { return v > 0; });
     const double forste = bilde_->sykluser.front().syklus, siste = bilde_->sykluser.back().syklus;
     for (const analysis::Syklusrader& s : bilde_->sykluser) {
-        Sykluskurve k{
-            s.syklus, {}, {}, skalaFarge(siste > forste ? (s.syklus - forste) / (siste - forste) : 0), s.null};
+        const auto [forst, sist] = std::minmax_element(s.minutter.begin(), s.minutter.end());
+        Sykluskurve k{s.syklus,
+                      {},
+                      {},
+                      skalaFarge(siste > forste ? (s.syklus - forste) / (siste - forste) : 0),
+                      s.null,
+                      std::is_sorted(s.minutter.begin(), s.minutter.end()),
+                      s.minutter.empty() ? 0 : *forst,
+                      s.minutter.empty() ? 0 : *sist};
         k.punkter.reserve(static_cast<qsizetype>(s.minutter.size()));
         k.logPunkter.reserve(static_cast<qsizetype>(s.minutter.size()));
         for (size_t i = 0; i < s.minutter.size(); ++i) {
             k.punkter.append(QPointF(s.minutter[i], s.verdier[i]));
             k.logPunkter.append(QPointF(s.minutter[i], s.verdier[i] > 0 ? s.verdier[i] : syklusBunn_));
-        }
-        k.sortert = std::is_sorted(s.minutter.begin(), s.minutter.end());
-        if (!s.minutter.empty()) {
-            const auto [forst, sist] = std::minmax_element(s.minutter.begin(), s.minutter.end());
-            k.forst = *forst;
-            k.sist = *sist;
         }
         sykluskurver_.push_back(std::move(k));
     }
