@@ -768,32 +768,33 @@ QString FrmGraph::syklusAvlesning(const QPointF& verdi) const
 {
     // For each cycle its row nearest the minute; of those, the one nearest the point on the screen.
     const double skjermY = diagram()->mapToPosition(verdi, serie_).y();
-    const Sykluskurve* beste = nullptr;
-    QPointF bestePunkt;
+    const std::vector<Kurvedel> deler = kurver();
+    std::optional<size_t> beste;
+    qsizetype besteRad = 0;
     double avstand = 0;
-    for (const Sykluskurve& s : sykluskurver_) {
-        const double forskyvning = justert_ ? s.null : 0.0;
-        const QList<QPointF>& punkter = logaritmisk_ ? s.logPunkter : s.punkter;
-        const QPointF* naermest = nullptr;
-        for (const QPointF& p : punkter)
-            if (!naermest ||
-                std::abs(p.x() - forskyvning - verdi.x()) < std::abs(naermest->x() - forskyvning - verdi.x()))
-                naermest = &p;
-        if (!naermest) continue;
+    for (size_t i = 0; i < deler.size(); ++i) {
+        const Kurvedel& del = deler[i];
+        const auto [a, b] = synlige(del, verdi.x(), verdi.x(), 1);
+        const auto naermest = std::min_element(a, b, [&](const QPointF& p, const QPointF& q) {
+            return std::abs(p.x() - del.forskyvning - verdi.x()) < std::abs(q.x() - del.forskyvning - verdi.x());
+        });
+        if (naermest == b) continue;
         const double d = std::abs(
-            diagram()->mapToPosition(QPointF(naermest->x() - forskyvning, naermest->y()), serie_).y() - skjermY);
+            diagram()->mapToPosition(QPointF(naermest->x() - del.forskyvning, naermest->y()), serie_).y() - skjermY);
         if (!beste || d < avstand) {
-            beste = &s;
-            bestePunkt = QPointF(naermest->x() - forskyvning, s.punkter.at(naermest - punkter.data()).y());
+            beste = i;
+            besteRad = naermest - del.punkter->begin();
             avstand = d;
         }
     }
     if (!beste) return {};
+    const Sykluskurve& s = sykluskurver_[*beste];
+    const QPointF punkt = s.punkter.at(besteRad);  // the value itself, also where the log axis shows its floor
     return QStringLiteral("Syklus %1    %2 min fra %3    %4")
-        .arg(beste->syklus)
-        .arg(Norsk.toString(bestePunkt.x(), 'f', 2),
+        .arg(s.syklus)
+        .arg(Norsk.toString(punkt.x() - deler[*beste].forskyvning, 'f', 2),
              justert_ ? QStringLiteral("nullpunktet") : QStringLiteral("snupunktet"),
-             vb::tekst(static_cast<float>(bestePunkt.y())));
+             vb::tekst(static_cast<float>(punkt.y())));
 }
 
 bool FrmGraph::lagreBilde(const QString& fil)

@@ -145,6 +145,13 @@ TEST_F(Syklusvinduer, VisningITabellOgBilde)
         vist = true;
         g.show();
         auto* faner = g.findChild<QTabBar*>(u"Visning"_s);
+        // A refusal leaves the whole file in view; the next click reads the settings again.
+        sett(u"3"_s, u"2"_s, u"10"_s, u"20"_s);
+        faner->setCurrentIndex(1);
+        EXPECT_EQ(faner->currentIndex(), 0);
+        EXPECT_FALSE(g.sykluser());
+        EXPECT_EQ(dialogs.meldinger(), QStringList{analysis::FeilMelding});
+        sett(u"1"_s, u"3"_s, u"10"_s, u"20"_s);
         faner->setCurrentIndex(1);
         ASSERT_TRUE(g.sykluser());
         auto* tabell = g.findChild<QTableWidget*>(u"Syklustabell"_s);
