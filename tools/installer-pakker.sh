@@ -5,7 +5,7 @@
 set -euo pipefail
 pakker=(g++ cmake make pkg-config qt6-base-dev qt6-charts-dev libqt6opengl6-dev libgl-dev
         libsqlcipher-dev libssl-dev sqlcipher sqlite3 libzip-dev libpugixml-dev libxlsxwriter-dev
-        libgtest-dev dpkg-dev python3 python3-openpyxl xvfb xauth time strace)
+        libgtest-dev dpkg-dev python3 python3-openpyxl xvfb xauth time strace jing libxml2-utils)
 [ "${1:-}" = "--sanitizer" ] && pakker=(clang libclang-rt-14-dev unzip)
 mangler=()
 for p in "${pakker[@]}"; do

@@ -53,7 +53,7 @@ QString sporPrefiks(Kontekst& k)
 QString utFil(const Kontekst& k, const QString& navn)
 {
     kontrollerFilnavn(navn, 0);
-    return k.sti(UtMappe) + QLatin1Char('/') + navn;
+    return iMappe(k.sti(UtMappe), navn);
 }
 
 vb::Dato dataStart(Kontekst& k)
@@ -75,26 +75,28 @@ QString fremdrift(long long rad, int syklus)
     return vb::antallTekst(rad) + QStringLiteral(" (Run ") + QString::number(syklus) + QLatin1Char(')');
 }
 
-Fremdrift::Fremdrift(dialogs::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) { klokke_.start(); }
+Fremdrift::Fremdrift(dialogs::Vindu& vindu, int syklus) : vindu_(vindu), syklus_(syklus) {}
 
 Fremdrift::~Fremdrift()
 {
     if (rad_ >= 0) vindu_.settLabel4(fremdrift(rad_, syklus_));
 }
 
-void Fremdrift::rad(long long rad)
+bool Fremdrift::rad(long long rad)
 {
     rad_ = rad;
-    if (klokke_.elapsed() < 50) return;
+    if (klokke_.isValid() && klokke_.elapsed() < 50) return false;
     vindu_.settLabel4(fremdrift(rad_, syklus_));
     vindu_.behandleHendelser();
-    klokke_.restart();
+    klokke_.start();
+    return true;
 }
 
 void Udekket::merk(int syklus, int sisteRad, int dekket, const QString& fil)
 {
     if (sisteRad <= dekket) return;
-    linjer_ << QStringLiteral("Syklus %1: rad %2–%3 i %4").arg(syklus).arg(dekket + 1).arg(sisteRad).arg(fil);
+    linjer_ << QStringLiteral("Syklus %1: rad %2–%3 i %4")
+                   .arg(QString::number(syklus), QString::number(dekket + 1), QString::number(sisteRad), fil);
 }
 
 void Udekket::vis(dialogs::Dialogs& dialogs) const

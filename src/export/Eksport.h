@@ -53,8 +53,10 @@ inline const QString& samleMal(const dialogs::Vindu& vindu)
     return vindu.adsorpsjon() ? MalAdsorpsjon : MalDesorpsjon;
 }
 
-// Full path of a file in the output folder. vb::Feil when the name holds a character that a
-// file name cannot hold on any of the systems the lab uses (\ / : * ? " < > | or a control character).
+// Full path of a file in the output folder; an existing file whose name differs only in case is
+// that file, so a later export overwrites it instead of writing a second one. vb::Feil when the
+// name holds a character that a file name cannot hold on any of the systems the lab uses
+// (\ / : * ? " < > | or a control character).
 QString utFil(const Kontekst& k, const QString& navn);
 
 // DatoTid of the first measurement row; vb::Feil when the table is empty.
@@ -67,16 +69,18 @@ Utfall eksportFeil(Kontekst& k, const std::exception& e);
 QString fremdrift(long long rad, int syklus);
 
 // Progress of a written cycle in Label4. Writing a row is far quicker than repainting the
-// window, so the label is set and pending events run at most every 50 ms; when the cycle's
-// writing ends (also through an error) the label shows the exact text of the last row.
+// window, so the label is set and pending events run after the cycle's first row and then at
+// most every 50 ms; when the cycle's writing ends (also through an error) the label shows the
+// exact text of the last row.
 class Fremdrift {
 public:
     Fremdrift(dialogs::Vindu& vindu, int syklus);
     ~Fremdrift();
     Fremdrift(const Fremdrift&) = delete;
     Fremdrift& operator=(const Fremdrift&) = delete;
-    // After each written row, with the row counter already moved on.
-    void rad(long long rad);
+    // After each written row, with the row counter already moved on. True when pending events
+    // ran, so the window's controls may have changed.
+    bool rad(long long rad);
 
 private:
     dialogs::Vindu& vindu_;

@@ -12,6 +12,8 @@ namespace {
 
 constexpr int SisteRad = 2000;
 
+QString kolonneBokstav(const Kontekst& k) { return files::HentKode(k.vindu.kolonneTekst()); }
+
 }  // namespace
 
 Utfall Command5_Click(Kontekst& k)
@@ -40,11 +42,12 @@ Utfall Command5_Click(Kontekst& k)
 
         Udekket udekket;
         std::vector<std::pair<int, int>> sisteRader;  // cycle, its last written row
-        const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
-        const QString K =
-            files::HentKode(k.vindu.kolonneTekst());  // the chooser stays as it is while the window is busy
-        for (int16_t syklus = 1; syklus <= siste;) {
+        // The chooser and the setting boxes stay editable while the export runs: the column letter
+        // and the boxes are read again in each cycle, and the letter again whenever pending events
+        // have run.
+        for (int16_t syklus = 1; syklus <= vb::heltall16(k.vindu.sisteSyklus());) {
             const vb::Dato snupunkt = liste.syklus(syklus);
+            QString K = kolonneBokstav(k);
             const analysis::Tidsvindu vindu = analysis::samlevindu(k, snupunkt, K, periode);
             if (vb::tall(k.vindu.forsteSyklus()) <= syklus) {
                 auto poster = store::vinduRader(k.tilkobling, true, vindu.fra, vindu.til);
@@ -58,7 +61,7 @@ Utfall Command5_Click(Kontekst& k)
                             if (syklus == 1) ark.settCelle(n, 1, poster.tekst("DatoTid_Tekst"));
                             ark.settCelle(n, kolonne, static_cast<double>(store::HentVerdi(K, poster)));
                             rad += 1.0f;
-                            fremdrift.rad(static_cast<long long>(rad));
+                            if (fremdrift.rad(static_cast<long long>(rad))) K = kolonneBokstav(k);
                         }
                     }
                     for (int n = static_cast<int>(rad); n <= SisteRad; ++n) ark.tomCelle(n, kolonne);

@@ -37,12 +37,6 @@ std::optional<Sok> lesSok(const Kontekst& k)
     }
 }
 
-void slettSnuPunkter(const Kontekst& k)
-{
-    for (const QString& navn : {SnuPunktFil, SokStartFil}) {
-        const QString fil = k.sti(navn);
-        if (FilFinnes(fil)) QFile::remove(fil);
-    }
-}
+void slettSnuPunkter(const Kontekst& k) { SlettFiler({k.sti(SnuPunktFil), k.sti(SokStartFil)}); }
 
 }  // namespace files

@@ -40,7 +40,8 @@ private:
 void skrivSnuPunkter(const Kontekst& k, const std::vector<vb::Dato>& punkter, const Sok& sok);
 // The search of SokStart.txt; empty when the file is missing or its line is not start!threshold.
 std::optional<Sok> lesSok(const Kontekst& k);
-// Removes both files of an earlier search, under whatever case of their names.
+// Removes both files of an earlier search, under whatever case of their names; FilFeil, with both
+// kept, when either is write-protected.
 void slettSnuPunkter(const Kontekst& k);
 
 }  // namespace files

@@ -41,14 +41,31 @@ int32_t TellLinjer(const QString& Filnavn)
     return antall;
 }
 
+bool Skrivebeskyttet(const QString& Filnavn)
+{
+    // The owner's write bit counts too: a superuser may write any file, but the user protected this one.
+    const QFileInfo info(Filnavn);
+    return info.exists() && (!info.isWritable() || !info.permissions().testFlag(QFile::WriteOwner));
+}
+
+void SlettFiler(const QStringList& Filnavn)
+{
+    for (const QString& fil : Filnavn)
+        if (Skrivebeskyttet(fil))
+            throw FilFeil(QStringLiteral("Kan ikke slette fila %1: fila er skrivebeskyttet").arg(fil).toStdString());
+    for (const QString& fil : Filnavn) {
+        QFile f(fil);
+        if (FilFinnes(fil) && !f.remove())
+            throw FilFeil(QStringLiteral("Kan ikke slette fila %1: %2").arg(fil, f.errorString()).toStdString());
+    }
+}
+
 void SkrivTilFil(const QString& Filnavn, const QString& Streng) { NyTekstfil(Filnavn, {Streng}).erstatt(); }
 
 NyTekstfil::NyTekstfil(const QString& Filnavn, const QStringList& linjer)
     : fil_(Filnavn), tmp_(Filnavn + QStringLiteral(".tmp") + QString::number(::getpid()))
 {
-    const QFileInfo info(Filnavn);
-    if (info.exists() && (!info.isWritable() || !info.permissions().testFlag(QFile::WriteOwner)))
-        kanIkkeSkrive(Filnavn, QStringLiteral("fila er skrivebeskyttet"));
+    if (Skrivebeskyttet(Filnavn)) kanIkkeSkrive(Filnavn, QStringLiteral("fila er skrivebeskyttet"));
     QByteArray data;
     for (const QString& linje : linjer) data += linje.toLatin1() + "\r\n";
     QFile ut(tmp_);
@@ -129,9 +146,7 @@ bool Linjeleser::fyll()
     }
     if (slutt_ == buf_.size())
         throw FilFeil(QStringLiteral("Linje %1 i fila %2 er lengre enn %3 MB")
-                          .arg(linjeNr_ + 1)
-                          .arg(fil_.fileName())
-                          .arg(MaksLinje >> 20)
+                          .arg(QString::number(linjeNr_ + 1), fil_.fileName(), QString::number(MaksLinje >> 20))
                           .toStdString());
     const qint64 n = fil_.read(buf_.data() + slutt_, static_cast<qint64>(buf_.size() - slutt_));
     if (n < 0)

@@ -23,6 +23,11 @@ bool FilFinnes(const QString& Filnavn);
 bool MappeFinnes(const QString& Mappe);
 // Number of lines (0 for an empty file; empty lines count). FilFeil when unreadable.
 int32_t TellLinjer(const QString& Filnavn);
+// True when the file exists and is write-protected; the program neither replaces nor removes it.
+bool Skrivebeskyttet(const QString& Filnavn);
+// Removes those of the files that exist, or none: FilFeil naming the first write-protected one
+// before any is removed, or a file that could not be removed.
+void SlettFiler(const QStringList& Filnavn);
 // The file holds Streng as its only line, written as NyTekstfil does. FilFeil when it cannot be
 // written; the old file is then unchanged.
 void SkrivTilFil(const QString& Filnavn, const QString& Streng);

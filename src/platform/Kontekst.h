@@ -8,6 +8,9 @@
 
 #include <QString>
 
+// mappe + "/" + navn; an existing file or folder whose name differs only in case is the same one.
+QString iMappe(const QString& mappe, const QString& navn);
+
 // How a command ended: at its normal end, or at one of its messages of refusal or error.
 enum class Utfall { Ferdig, Avvist };
 
@@ -18,6 +21,6 @@ struct Kontekst {
     dialogs::Vindu& vindu;
     dialogs::Dialogs& dialogs;
 
-    // program folder + "/" + name; an existing file whose name differs only in case is the same file.
+    // iMappe of the program folder.
     QString sti(const QString& navn) const;
 };

@@ -36,7 +36,7 @@ std::optional<QString> Innlesing::les()
     Radlager lager(db_);
     {
         Lesetraad leser(tolker_);
-        auto nesteVisning = Klokke::now() + Fremdriftsintervall;
+        auto nesteVisning = Klokke::now();  // the first count is shown at once
         try {
             for (bool ferdig = false; !ferdig;) {
                 Blokk& b = leser.neste();
@@ -55,8 +55,7 @@ std::optional<QString> Innlesing::les()
             }
         } catch (const std::exception& e) {
             return QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.")
-                .arg(linjeNr_)
-                .arg(fil_, QString::fromStdString(e.what()));
+                .arg(QString::number(linjeNr_), fil_, QString::fromStdString(e.what()));
         }
     }
     try {

@@ -13,7 +13,7 @@ public:
     // Hears the count of non-empty lines handled so far, the header included.
     using Fremdrift = std::function<void(int64_t behandlet)>;
 
-    // fremdrift is called at most every 50 ms while the file is read.
+    // fremdrift is called after the first block of lines, then at most every 50 ms.
     Innlesing(db::Database& d, files::Linjeleser& leser, const QString& fil, Fremdrift fremdrift);
 
     // Reads the file to its end and commits the rows. Returns the reason when the import had to

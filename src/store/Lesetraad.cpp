@@ -42,8 +42,7 @@ void Tolker::fyll(Blokk& b)
         }
     } catch (const files::FilFeil& e) {
         b.feil = QStringLiteral("Importen stoppet ved linje %1 i fila %2: %3.")
-                     .arg(linjeNr_ + 1)
-                     .arg(fil_, QString::fromStdString(e.what()));
+                     .arg(QString::number(linjeNr_ + 1), fil_, QString::fromStdString(e.what()));
     }
     b.linjeNr = linjeNr_;
     b.behandlet = behandlet_;
@@ -68,13 +67,18 @@ std::optional<QString> Merknader::avsnitt(const QString& innledning) const
 std::optional<QString> Tolker::merknad() const
 {
     QStringList avsnitt;
-    const auto legg = [&](const Merknader& m, const QString& innledning) {
-        if (auto a = m.avsnitt(innledning.arg(m.antall).arg(fil_))) avsnitt << *a;
+    // The introduction in the singular for one line (en), else in the plural (flere).
+    const auto legg = [&](const Merknader& m, const QString& en, const QString& flere) {
+        if (auto a = m.avsnitt((m.antall == 1 ? en : flere).arg(QString::number(m.antall), fil_))) avsnitt << *a;
     };
-    legg(feltAntall_, QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi de ikke har 4 til 13 felt:"));
-    legg(uleselig_, QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall "
-                                   "ikke kan leses:"));
-    legg(forLite_, QStringLiteral("%1 datalinjer i fila %2 har tall som er for små til å lagres; de er lagret som 0:"));
+    legg(feltAntall_, QStringLiteral("%1 datalinje i fila %2 er hoppet over fordi den ikke har 4 til 13 felt:"),
+         QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi de ikke har 4 til 13 felt:"));
+    legg(
+        uleselig_,
+        QStringLiteral("%1 datalinje i fila %2 er hoppet over fordi dato, klokkeslett eller et tall ikke kan leses:"),
+        QStringLiteral("%1 datalinjer i fila %2 er hoppet over fordi dato, klokkeslett eller et tall ikke kan leses:"));
+    legg(forLite_, QStringLiteral("%1 datalinje i fila %2 har tall som er for små til å lagres; de er lagret som 0:"),
+         QStringLiteral("%1 datalinjer i fila %2 har tall som er for små til å lagres; de er lagret som 0:"));
     if (avsnitt.isEmpty()) return std::nullopt;
     return avsnitt.join(QStringLiteral("\n\n"));
 }

@@ -114,12 +114,12 @@ void lagFraMal(const QString& mal, const QString& ny)
         QFile::remove(tmp);
         throw;
     }
-    if (const std::error_code feil = fil::byttInn(lokal(tmp), lokal(ny))) {
-        QFile::remove(tmp);
+    const std::error_code feil = fil::leggInn(lokal(tmp), lokal(ny));
+    QFile::remove(tmp);  // left only when it was not put in place
+    if (feil && feil != std::errc::file_exists)
         throw db::DbFeil(QStringLiteral("Kan ikke lage databasen %1: %2")
                              .arg(ny, QString::fromLocal8Bit(feil.message()))
                              .toStdString());
-    }
 }
 
 NyDatabase::~NyDatabase()

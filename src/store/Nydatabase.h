@@ -23,7 +23,8 @@ inline const QString ByttFil = QStringLiteral("Data.mdb.bytt");
 // Writes a new, empty database from Template.mdb under the same key but with a salt of its own
 // and leaves `tom` open on it; DbFeil when it cannot.
 void lagFraMal(const QString& mal, const QString& ny, db::Database& tom);
-// The same, closed, and under the name `ny` only once it is complete.
+// The same, closed, and under the name `ny` only once it is complete; a `ny` that another process
+// made meanwhile is kept.
 void lagFraMal(const QString& mal, const QString& ny);
 
 class NyDatabase {

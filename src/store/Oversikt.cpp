@@ -57,12 +57,16 @@ Oversikt sePaa(const QString& fil)
 std::optional<QString> innvending(const Oversikt& o, const QString& fil)
 {
     if (o.nullLinje > 0)
-        return QStringLiteral("Fila %1 er ikke en tekstfil: linje %2 inneholder nulltegn.").arg(fil).arg(o.nullLinje);
-    if (o.overskriftLinje == 0) return QStringLiteral("Fila %1 er tom (%2 linjer uten tekst).").arg(fil).arg(o.linjer);
+        return QStringLiteral("Fila %1 er ikke en tekstfil: linje %2 inneholder nulltegn.")
+            .arg(fil, QString::number(o.nullLinje));
+    if (o.overskriftLinje == 0)
+        return QStringLiteral("Fila %1 er tom (%2 %3 uten tekst).")
+            .arg(fil, QString::number(o.linjer), o.linjer == 1 ? QStringLiteral("linje") : QStringLiteral("linjer"));
     // "Overskriftslinja (linje N) i fila F har " + what is wrong with it.
     const auto overskrift = [&](const QString& hva, qsizetype antall, int grense) {
-        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har ").arg(o.overskriftLinje).arg(fil) +
-               hva.arg(antall).arg(grense);
+        return QStringLiteral("Overskriftslinja (linje %1) i fila %2 har ")
+                   .arg(QString::number(o.overskriftLinje), fil) +
+               hva.arg(QString::number(antall), QString::number(grense));
     };
     if (o.overskriftFelt > MaksOverskriftsfelt)
         return overskrift(QStringLiteral("%1 felt, men bare %2 felt kan få en kolonnebokstav (A til Å)."),
@@ -72,14 +76,13 @@ std::optional<QString> innvending(const Oversikt& o, const QString& fil)
                           MaksNavn);
     if (o.datalinjer == 0)
         return QStringLiteral("Fila %1 har bare overskriftslinja (linje %2) og ingen datalinjer.")
-            .arg(fil)
-            .arg(o.overskriftLinje);
+            .arg(fil, QString::number(o.overskriftLinje));
+    if (!o.kanLagres && o.datalinjer == 1)
+        return QStringLiteral("Den eneste datalinjen i fila %1 (linje %2) kan ikke lagres: %3.")
+            .arg(fil, QString::number(o.forsteDatalinje), o.forsteHinder);
     if (!o.kanLagres)
         return QStringLiteral("Ingen av de %1 datalinjene i fila %2 kan lagres. Den første (linje %3): %4.")
-            .arg(o.datalinjer)
-            .arg(fil)
-            .arg(o.forsteDatalinje)
-            .arg(o.forsteHinder);
+            .arg(QString::number(o.datalinjer), fil, QString::number(o.forsteDatalinje), o.forsteHinder);
     return std::nullopt;
 }
 

@@ -125,6 +125,19 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     const auto& uten = dialogs.dialoger()[dialogs.dialoger().size() - 2];
     EXPECT_EQ(uten.tekst + '|' + uten.forslag, u"Den minste verdien er . Oppgi søkeverdien som skal brukes under:|"_s);
 
+    // A write-protected file of an earlier search is neither removed nor replaced: the search
+    // ends with its error message before the threshold is asked for, and both files stay.
+    for (const QString& navn : {SnuPunkter, u"SokStart.txt"_s}) {
+        mappe.skriv(SnuPunkter, "01.01.2012\r\n");
+        mappe.skriv(u"SokStart.txt"_s, "01.01.2012!1\r\n");
+        QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner);
+        avvist(0, {u"1"_s}, "write-protected");
+        EXPECT_EQ(mappe.les(SnuPunkter) + mappe.les(u"SokStart.txt"_s), "01.01.2012\r\n01.01.2012!1\r\n");
+        EXPECT_EQ(dialogs.grunner().last(),
+                  u"Kan ikke slette fila "_s + mappe.sti(navn) + u": fila er skrivebeskyttet"_s);
+        QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner | QFile::WriteOwner);
+    }
+
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
     EXPECT_EQ(vindu({}).Command7_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), analysis::IngenData);

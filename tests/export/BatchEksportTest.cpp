@@ -6,9 +6,9 @@ using namespace test;
 
 namespace {
 
-class Batch : public Eksportmappe {};
+class BatchEksport : public Eksportmappe {};
 
-TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
+TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
     snupunkter({10 * 60, 20 * 60});
@@ -21,6 +21,16 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
     const Bok bok = lesArbeidsbok(ut(QStringLiteral("Lab_2.xlsx")));
     EXPECT_EQ(bok.diagrammer(2, "tittel"), QVariantList({"Forsøk 7", "Forsøk 7"}));
     EXPECT_EQ(bok.diagrammer(2, "xmin").value(0), 11.0);  // first row 20:00 − 9 min
+
+    // Names that differ only in case name one file: a later export overwrites the file there.
+    mappe.skriv(QStringLiteral("Data_Bearbeidet/LAB_Samlefil.xlsm"), "gammel");
+    for (const QString& kommando : {"export-single", "export-combined"}) {
+        r = batch(
+            {"--column", "C", "--adsorption", "--set", "Text4=2", "--set", "Text6=2", kommando, "--prefix", "lab"});
+        EXPECT_EQ(r.status, 0) << r.feil.toStdString();
+    }
+    EXPECT_EQ(utfiler(), QStringList({"LAB_Samlefil.xlsm", "Lab_2.xlsx"}));
+    EXPECT_TRUE(lesArbeidsbok(ut(QStringLiteral("LAB_Samlefil.xlsm"))).json[QStringLiteral("makro")].toBool());
 
     // A failure shows the export's one message; the cause goes to stderr for diagnosis.
     r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "a/b"});
@@ -46,7 +56,7 @@ TEST_F(Batch, TittelenFolgerMedTilSenereEksport)
 
 // Settings and files a user or another program spoiled: each export ends with its message and
 // writes nothing.
-TEST_F(Batch, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
+TEST_F(BatchEksport, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
     const QStringList mange(40000, QStringLiteral("23.11.2012 00:10:00"));
@@ -81,7 +91,7 @@ TEST_F(Batch, OdelagteInnstillingerOgFilerGirMeldingOgIngenFil)
     EXPECT_EQ(mappe.les(QStringLiteral("Data_Bearbeidet")), "fil");
 }
 
-TEST_F(Batch, UtfallOgBruksfeil)
+TEST_F(BatchEksport, UtfallOgBruksfeil)
 {
     auto r = batch({"export-single", "--prefix", "P"});
     EXPECT_EQ(r.status, 1);

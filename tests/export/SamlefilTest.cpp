@@ -2,6 +2,8 @@
 // the messages, and the workbook as openpyxl reads it.
 #include "felles/Eksportmappe.h"
 
+#include <QTimer>
+
 using namespace test;
 
 namespace {
@@ -79,6 +81,16 @@ TEST_F(Samlefil, AdsorpsjonLeggerSyklusneISineKolonnerFraNullpunktet)
         for (int r = 2; r <= 37; ++r) ASSERT_EQ(fra2[adr(k, r)].toDouble(-1), 0.0) << k << r;
         EXPECT_TRUE(fra2[adr(k, 38)].isUndefined()) << k;
     }
+
+    // The chooser and the boxes stay editable: at cycle 1's first row the user picks column I and
+    // raises the last cycle to 2, so the rest is read from I (0) and the workbook is saved after cycle 2.
+    innstillinger("1", "1", true);
+    QTimer::singleShot(0, [&] { form().velgKolonne(6), sett(dialogs::Boks::Text6, QStringLiteral("2")); });
+    svar({Svar::Ja, QStringLiteral("Endret")});
+    EXPECT_EQ(form().Command5_Click(), Utfall::Ferdig);
+    const Bok endret = lesArbeidsbok(ut(QStringLiteral("Endret_Samlefil.xlsm")));
+    EXPECT_EQ(endret["C2"].toDouble(), static_cast<float>(c(T1 - 15)));
+    for (const char* a : {"C3", "C37", "D2", "D37"}) EXPECT_EQ(endret[a].toDouble(-1), 0.0) << a;
 }
 
 TEST_F(Samlefil, DesorpsjonFinnerAndreMaksimumInnenforPerioden)

@@ -32,8 +32,18 @@ Kjoring batch(const QStringList& argumenter)
 {
     QProcess p;
     p.start(QStringLiteral(TOLVIK_DIST "/tolvik-batch"), argumenter);
-    p.waitForFinished(300000);
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    const bool ferdig = p.waitForFinished(300000);
+    if (!ferdig) p.kill();
+    Kjoring k{p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    // A hang, a crash or a sanitizer's report is never one of the program's own outcomes.
+    if (!ferdig || p.exitStatus() != QProcess::NormalExit || k.status == Sanitizerstatus) {
+        ADD_FAILURE() << "tolvik-batch " << argumenter.join(' ').toStdString()
+                      << (ferdig ? " endte unormalt (status " + std::to_string(k.status) + ")" : " ble ikke ferdig")
+                      << ":\n"
+                      << k.feil.toStdString();
+        k.status = -1;
+    }
+    return k;
 }
 
 }  // namespace test

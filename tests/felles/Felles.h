@@ -27,7 +27,10 @@ struct Kjoring {
     QString ut;
     QString feil;
 };
-// Runs the built tolvik-batch with these arguments.
+// The exit status the test environment gives the sanitizers' reports.
+constexpr int Sanitizerstatus = 86;
+// Runs the built tolvik-batch with these arguments; a run that hangs, crashes or ends with a
+// sanitizer's report fails the test (and gives status -1).
 Kjoring batch(const QStringList& argumenter);
 
 }  // namespace test

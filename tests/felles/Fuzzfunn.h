@@ -6,10 +6,12 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 namespace test {
 
-// Every kept input of a target (mappe under tests/), with its bytes.
+// Every kept input of a target (mappe under tests/), with its bytes: the fuzz target's seeds and
+// what it found. A folder without inputs fails the test, as it would replay nothing.
 inline std::vector<std::pair<QString, std::string>> fuzzfunn(const char* mappe)
 {
     std::vector<std::pair<QString, std::string>> ut;
@@ -18,6 +20,7 @@ inline std::vector<std::pair<QString, std::string>> fuzzfunn(const char* mappe)
         QFile f(fil.filePath());
         if (f.open(QIODevice::ReadOnly)) ut.emplace_back(fil.filePath(), f.readAll().toStdString());
     }
+    if (ut.empty()) ADD_FAILURE() << "ingen innganger i " << d.path().toStdString();
     return ut;
 }
 

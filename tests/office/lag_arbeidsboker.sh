@@ -3,10 +3,14 @@
 # built, after the title commands, and re-saved by LibreOffice; and from each set of templates the
 # single-cycle, combined (both modes, windows of 3 600 rows and more) and integration workbooks
 # with the area summary. Each set lives in UT/<set>/ as a program folder of its own.
-#   lag_arbeidsboker.sh BUILD UT
+#   lag_arbeidsboker.sh BUILD UT [SET...]     (the sets original, titler, libreoffice; default all three)
+# With LO_MALER=DIR the set libreoffice takes the re-saved templates found in DIR (the others as
+# built) instead of running LibreOffice.
 set -euo pipefail
 BUILD=$(realpath "$1")
 UT=$(realpath -m "$2")
+SETT=("${@:3}")
+[ ${#SETT[@]} -gt 0 ] || SETT=(original titler libreoffice)
 rm -rf "$UT" && mkdir -p "$UT"
 MALER=(Mal_Sykluser.xlsx Mal_Alle_Adsorpsjon.xlsm Mal_Alle_Desorpsjon.xlsm Mal_Integrering_desorpsjon_Enkel.xlsx
        Mal_desorpsjon_areal_alle.xlsx)
@@ -23,21 +27,29 @@ programmappe() {  # a copy of the program folder with the templates of set $1
 }
 batch() { local mappe=$1; shift; "$UT/$mappe/tolvik-batch" --folder "$UT/$mappe" "$@" >/dev/null; }
 
-programmappe original
-programmappe titler
-batch titler edit-title --single --title "Syklus (tittel satt)"
-batch titler --adsorption edit-title --combined --title "Adsorpsjon (tittel satt)"
-batch titler --desorption edit-title --combined --title "Desorpsjon (tittel satt)"
-programmappe libreoffice
-( cd "$UT/libreoffice"
-  for m in "${MALER[@]}"; do
-    case $m in *.xlsm) filter='xlsm:Calc MS Excel 2007 VBA XML' ;; *) filter='xlsx:Calc MS Excel 2007 XML' ;; esac
-    mkdir -p lo && soffice --headless --convert-to "$filter" --outdir lo "$m" >/dev/null 2>&1
-    mv "lo/$m" "$m"
-  done
-  rmdir lo )
+libreoffice() {  # the templates of set libreoffice re-saved by LibreOffice
+  if [ -n "${LO_MALER:-}" ]; then cp "$LO_MALER"/Mal_* "$UT/libreoffice/"; return; fi
+  ( cd "$UT/libreoffice"
+    for m in "${MALER[@]}"; do
+      case $m in *.xlsm) filter='xlsm:Calc MS Excel 2007 VBA XML' ;; *) filter='xlsx:Calc MS Excel 2007 XML' ;; esac
+      mkdir -p lo && soffice --headless --convert-to "$filter" --outdir lo "$m" >/dev/null 2>&1
+      mv "lo/$m" "$m"
+    done
+    rmdir lo )
+}
 
-for sett in original titler libreoffice; do
+for sett in "${SETT[@]}"; do
+  programmappe "$sett"
+  case $sett in
+    titler)
+      batch titler edit-title --single --title "Syklus (tittel satt)"
+      batch titler --adsorption edit-title --combined --title "Adsorpsjon (tittel satt)"
+      batch titler --desorption edit-title --combined --title "Desorpsjon (tittel satt)" ;;
+    libreoffice) libreoffice ;;
+  esac
+done
+
+for sett in "${SETT[@]}"; do
   mkdir -p "$UT/$sett/maler" && for m in "${MALER[@]}"; do cp "$UT/$sett/$m" "$UT/$sett/maler/"; done
   innst=(--set Text4=1 --set Text6=2)
   batch "$sett" import "$UT/radata_2s.csv"

@@ -1,6 +1,7 @@
 #include "platform/fil/Varig.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
@@ -39,13 +40,22 @@ void begynnSkriving(const std::string& sti)
 #endif
 }
 
-std::error_code byttInn(const std::string& tmp, const std::string& endelig)
+namespace {
+
+std::error_code flytt(const std::string& tmp, const std::string& endelig, unsigned flagg)
 {
     if (auto feil = synk(tmp)) return feil;
-    std::error_code feil;
-    std::filesystem::rename(tmp, endelig, feil);
-    if (feil) return feil;
+    if (::renameat2(AT_FDCWD, tmp.c_str(), AT_FDCWD, endelig.c_str(), flagg) != 0) return systemfeil();
     return synkMappe(std::filesystem::path(endelig).parent_path().string());
+}
+
+}  // namespace
+
+std::error_code byttInn(const std::string& tmp, const std::string& endelig) { return flytt(tmp, endelig, 0); }
+
+std::error_code leggInn(const std::string& tmp, const std::string& endelig)
+{
+    return flytt(tmp, endelig, RENAME_NOREPLACE);
 }
 
 }  // namespace fil

@@ -17,5 +17,8 @@ std::error_code synkMappe(const std::string& mappe);
 void begynnSkriving(const std::string& sti);
 // Flushes tmp, renames it over endelig and flushes the folder; the first error, if any.
 std::error_code byttInn(const std::string& tmp, const std::string& endelig);
+// The same for a name that must not exist yet: file_exists, and tmp left as it is, when another
+// process made it first.
+std::error_code leggInn(const std::string& tmp, const std::string& endelig);
 
 }  // namespace fil
