@@ -124,22 +124,12 @@ double fullLesing(const QString& data, const QString& K, long long& rader)
     return tid;
 }
 
-// The slowest of five rounds of each view change of the graph window (a view of 200 minutes, the
-// wheel, a move, the log axis and back, the whole file), each with the chart drawn again; in ms.
-std::vector<std::pair<const char*, double>> visningsendringer(app::FrmGraph& g)
+using Steg = std::vector<std::pair<const char*, std::function<void()>>>;
+
+// The slowest of five rounds of each view change, each with the chart drawn again; in ms.
+std::vector<std::pair<const char*, double>> visningsendringer(app::FrmGraph& g, const Steg& steg)
 {
     QChartView* visning = g.findChild<QChartView*>(QStringLiteral("MSChart"));
-    const QPointF hel = g.tidsomrade();
-    const double midt = (hel.x() + hel.y()) / 2;
-    const std::vector<std::pair<const char*, std::function<void()>>> steg = {
-        {"utsnitt av 200 minutter", [&] { g.visUtsnitt(midt, midt + 200); }},
-        {"hjul inn", [&] { g.zoomTid(midt + 100, 0.8); }},
-        {"flytt", [&] { g.diagram()->scroll(40, 0); }},
-        {"hele fila", [&] { g.tilbakestill(); }},
-        {"flytt hele fila", [&] { g.diagram()->scroll(40, 0); }},
-        {"logaritmisk akse", [&] { g.settLogaritmisk(true); }},
-        {"lineær akse", [&] { g.settLogaritmisk(false); }},
-    };
     std::vector<std::pair<const char*, double>> verst;
     for (const auto& [navn, gjor] : steg) verst.emplace_back(navn, 0.0);
     for (int runde = 0; runde < 5; ++runde) {
@@ -152,6 +142,41 @@ std::vector<std::pair<const char*, double>> visningsendringer(app::FrmGraph& g)
         }
     }
     return verst;
+}
+
+// The whole file's view: 200 minutes, the wheel, a move, the log axis and back, the whole file.
+Steg oversiktSteg(app::FrmGraph& g)
+{
+    const QPointF hel = g.tidsomrade();
+    const double midt = (hel.x() + hel.y()) / 2;
+    return {
+        {"utsnitt av 200 minutter", [&g, midt] { g.visUtsnitt(midt, midt + 200); }},
+        {"hjul inn", [&g, midt] { g.zoomTid(midt + 100, 0.8); }},
+        {"flytt", [&g] { g.diagram()->scroll(40, 0); }},
+        {"hele fila", [&g] { g.tilbakestill(); }},
+        {"flytt hele fila", [&g] { g.diagram()->scroll(40, 0); }},
+        {"logaritmisk akse", [&g] { g.settLogaritmisk(true); }},
+        {"lineær akse", [&g] { g.settLogaritmisk(false); }},
+    };
+}
+
+// The cycles over each other: 20 minutes, the wheel, a move, the whole window, aligned and back,
+// the log axis and back, and the switch to the whole file and back.
+Steg syklusSteg(app::FrmGraph& g)
+{
+    return {
+        {"utsnitt av 20 minutter", [&g] { g.visUtsnitt(-5, 15); }},
+        {"hjul inn", [&g] { g.zoomTid(5, 0.8); }},
+        {"flytt", [&g] { g.diagram()->scroll(40, 0); }},
+        {"hele vinduet", [&g] { g.tilbakestill(); }},
+        {"justert på nullpunktene", [&g] { g.settJustert(true); }},
+        {"flytt justert", [&g] { g.diagram()->scroll(40, 0); }},
+        {"fra snupunktene", [&g] { g.settJustert(false); }},
+        {"logaritmisk akse", [&g] { g.settLogaritmisk(true); }},
+        {"lineær akse", [&g] { g.settLogaritmisk(false); }},
+        {"til hele fila", [&g] { g.visSykluser(false); }},
+        {"til syklusene", [&g] { g.visSykluser(true); }},
+    };
 }
 
 // The same points drawn as one path into an image of the chart view's size, in ms: what any
@@ -214,8 +239,9 @@ int mal(const QString& mappe)
     const double full2 = fullLesing(data, K, rader);
 
     // The search above left its marks, so the window draws them too.
-    double lasting = 0, vist = 0, sti = 0, bygget = 0;
-    std::vector<std::pair<const char*, double>> endringer;
+    double lasting = 0, vist = 0, sti = 0, bygget = 0, syklusVist = 0;
+    std::vector<std::pair<const char*, double>> endringer, syklusEndringer;
+    size_t sykluser = 0, syklusRader = 0;
     QElapsedTimer t;
     f.settGrafVisning([&](app::FrmGraph& g) {
         lasting = sekunder(t);
@@ -227,8 +253,21 @@ int mal(const QString& mappe)
         b.start();
         app::FrmGraph ny(g.graf());
         bygget = sekunder(b);
-        endringer = visningsendringer(g);
+        endringer = visningsendringer(g, oversiktSteg(g));
         sti = somEnSti(g);
+
+        // The second tab, read from the database as the user opens it.
+        g.tilbakestill();
+        QElapsedTimer s;
+        s.start();
+        g.visSykluser(true);
+        QCoreApplication::processEvents();
+        g.grab();
+        syklusVist = sekunder(s);
+        if (!g.syklusbilde()) return;
+        sykluser = g.syklusbilde()->sykluser.size();
+        for (const auto& syklus : g.syklusbilde()->sykluser) syklusRader += syklus.minutter.size();
+        syklusEndringer = visningsendringer(g, syklusSteg(g));
     });
     t.start();
     f.Command8_Click();
@@ -242,12 +281,22 @@ int mal(const QString& mappe)
                 forste / ((full + full2) / 2));
     std::printf("syklusfinning med indeks: %.3f s (%.3f-%.3f)  (forhold %.2f), krav < 0,5 s\n", andre, senere[0],
                 senere[2], andre / ((full + full2) / 2));
-    std::printf("graf, innlasting: %.3f s (av det vinduet bygget: %.3f s); vinduet vist og tegnet: %.3f s, krav < 1 s\n",
-                lasting, bygget, vist);
+    std::printf(
+        "graf, innlasting: %.3f s (av det vinduet bygget: %.3f s); vinduet vist og tegnet: %.3f s, krav < 1 s\n",
+        lasting, bygget, vist);
     for (const auto& [navn, ms] : endringer) std::printf("graf, %s med ny tegning: %.1f ms (verst av 5)\n", navn, ms);
     std::printf("graf, verste visningsendring: %.1f ms, krav < 100 ms  (de samme punktene som én sti: %.1f ms)\n",
                 verst, sti);
-    if (forste > (full + full2) / 2 || andre >= 0.5 || vist >= 1.0 || verst >= 100) {
+    double syklusVerst = 0;
+    for (const auto& [navn, ms] : syklusEndringer) {
+        std::printf("sykluser over hverandre, %s med ny tegning: %.1f ms (verst av 5)\n", navn, ms);
+        syklusVerst = std::max(syklusVerst, ms);
+    }
+    std::printf("sykluser over hverandre (%zu sykluser, %zu rader): åpnet og tegnet %.3f s, krav < 0,5 s; "
+                "verste visningsendring %.1f ms, krav < 50 ms\n",
+                sykluser, syklusRader, syklusVist, syklusVerst);
+    if (forste > (full + full2) / 2 || andre >= 0.5 || vist >= 1.0 || verst >= 100 || sykluser == 0 ||
+        syklusVist >= 0.5 || syklusVerst >= 50) {
         std::puts("FOR TREG");
         return 1;
     }

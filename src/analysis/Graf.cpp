@@ -1,6 +1,7 @@
 #include "analysis/Graf.h"
 
 #include "analysis/Sykluser.h"
+#include "analysis/Syklusvinduer.h"
 #include "files/SnuPunkter.h"
 #include "files/Tekstfil.h"
 #include "store/Maledata.h"
@@ -31,12 +32,11 @@ void leggTilUtsnitt(const Kontekst& k, const vb::Dato& start, const std::vector<
     try {
         const double forste = vb::tall(k.vindu.forsteSyklus());
         const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
-        const double foer = vb::tall(k.vindu.minutterFor()), etter = vb::tall(k.vindu.minutterEtter());
         for (size_t i = 0; i < tider.size(); ++i) {
             const int syklus = graf.snupunkter[i].syklus;
             if (syklus < forste || syklus > siste) continue;
-            graf.utsnitt.push_back({syklus, minutterEtter(start, tider[i].leggTilMinutter(-foer)),
-                                    minutterEtter(start, tider[i].leggTilMinutter(etter))});
+            const Tidsvindu vindu = enkeltvindu(k, tider[i]);
+            graf.utsnitt.push_back({syklus, minutterEtter(start, vindu.fra), minutterEtter(start, vindu.til)});
         }
     } catch (const vb::Feil&) {
     }

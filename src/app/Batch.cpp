@@ -2,6 +2,7 @@
 
 #include "analysis/AutomatiskSoking.h"
 #include "analysis/Sykluser.h"
+#include "analysis/Syklusvinduer.h"
 #include "app/Form1.h"
 #include "app/FrmGraph.h"
 #include "app/Mappelaas.h"
@@ -17,7 +18,6 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFileInfo>
-#include <QPixmap>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -127,27 +127,39 @@ std::optional<double> minutter(Argumenter& a, const QString& navn)
     }
 }
 
-Utfall graf(Form1& f, Argumenter& a, SkriptDialogs&)
+Utfall graf(Form1& f, Argumenter& a, SkriptDialogs& d)
 {
-    const std::optional<QString> png = a.verdi(QStringLiteral("--png"));
+    const std::optional<QString> png = a.verdi(QStringLiteral("--png")), pdf = a.verdi(QStringLiteral("--pdf"));
     const bool log = a.flagg(QStringLiteral("--log"));
+    const bool sykluser = a.flagg(QStringLiteral("--cycles")), justert = a.flagg(QStringLiteral("--aligned"));
+    const auto periode = a.verdi(QStringLiteral("--period"));
     const auto fra = minutter(a, QStringLiteral("--from")), til = minutter(a, QStringLiteral("--to"));
     a.ferdig();
+    if (png && pdf) throw BrukFeil{QStringLiteral("--png eller --pdf, ikke begge")};
+    if ((justert || periode) && !sykluser) throw BrukFeil{QStringLiteral("--aligned og --period gjelder --cycles")};
     if (fra && til && *til <= *fra) throw BrukFeil{QStringLiteral("--to må være større enn --from")};
-    bool lagret = true;
+    if (sykluser) d.svar(analysis::SporPeriode, ellerForslag(periode));
+    const std::optional<QString> bilde = png ? png : pdf;
+    bool vist = true;
     f.settGrafVisning([&](app::FrmGraph& vindu) {
         skriv(QStringLiteral("Punkter i grafen: %1\n").arg(vindu.graf().verdier.size()));
-        if (!png) return;
+        if (sykluser) {
+            vist = vindu.visSykluser(true);
+            if (!vist) return;
+            skriv(QStringLiteral("Sykluser i visningen: %1\n").arg(vindu.syklusbilde()->sykluser.size()));
+            vindu.settJustert(justert);
+        }
+        if (!bilde) return;
         vindu.settLogaritmisk(log);
         if (fra || til) vindu.visUtsnitt(fra, til);
         vindu.show();
         QCoreApplication::processEvents();
-        lagret = vindu.grab().save(*png, "PNG");
+        vist = vindu.lagreBilde(*bilde);
         vindu.close();
-        if (!lagret) std::fprintf(stderr, "Kan ikke lagre bildet %s\n", png->toUtf8().constData());
+        if (!vist) std::fprintf(stderr, "Kan ikke lagre bildet %s\n", bilde->toUtf8().constData());
     });
     const Utfall utfall = f.Command8_Click();
-    return lagret ? utfall : Utfall::Avvist;
+    return vist ? utfall : Utfall::Avvist;
 }
 
 // Yes to the export question, then the prefix; or No with --no. Takes the last arguments.

@@ -3,6 +3,7 @@
 #include "analysis/AutomatiskSoking.h"
 #include "analysis/Graf.h"
 #include "analysis/Sykluser.h"
+#include "analysis/Syklusvinduer.h"
 #include "app/FrmGraph.h"
 #include "export/Eksport.h"
 #include "export/Enkeltgraf.h"
@@ -388,6 +389,7 @@ void Form1::settOpptatt(bool opptatt)
 void Form1::visGraf(const dialogs::Graf& graf)
 {
     FrmGraph frm_Graph(graf);
+    frm_Graph.settSykluskilde([this] { return analysis::lesSyklusbilde(k_); });
     if (grafVisning_) {
         grafVisning_(frm_Graph);
     } else {

@@ -5,17 +5,26 @@
 #include <QChart>
 #include <QChartView>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QGraphicsItem>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHeaderView>
+#include <QIcon>
 #include <QLabel>
+#include <QLegend>
 #include <QLineSeries>
 #include <QLocale>
 #include <QLogValueAxis>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPdfWriter>
+#include <QPixmap>
 #include <QPushButton>
 #include <QScatterSeries>
+#include <QTabBar>
+#include <QTableWidget>
 #include <QVBoxLayout>
 #include <QValueAxis>
 #include <QWheelEvent>
@@ -82,6 +91,20 @@ void settOmrade(QValueAxis* akse, double min, double max)
     akse->setRange(min, max);
 }
 
+// The points of a curve whose minutes, shifted, lie from fra to til, with utenfor more on either
+// side (to draw the segments that leave the view); every point of a curve whose minutes fall somewhere.
+std::pair<QList<QPointF>::const_iterator, QList<QPointF>::const_iterator>
+synlige(const FrmGraph::Kurvedel& del, double fra, double til, qsizetype utenfor)
+{
+    const QList<QPointF>& p = *del.punkter;
+    if (!del.sortert) return {p.begin(), p.end()};
+    const auto mindre = [](const QPointF& a, double x) { return a.x() < x; };
+    const auto a = std::lower_bound(p.begin(), p.end(), fra + del.forskyvning, mindre);
+    const auto b = std::upper_bound(p.begin(), p.end(), til + del.forskyvning,
+                                    [](double x, const QPointF& a) { return x < a.x(); });
+    return {a - std::min(utenfor, a - p.begin()), b + std::min(utenfor, p.end() - b)};
+}
+
 // Something drawn over the plot area and clipped to it, again after every zoom or move.
 class Plottlag : public QGraphicsItem {
 public:
@@ -107,7 +130,7 @@ protected:
     QChart* chart_;
 };
 
-// The curve, drawn as one path. Qt Charts' own line series takes about 100 ms to draw 30 000
+// The curves, each drawn as one path. Qt Charts' own line series takes about 100 ms to draw 30 000
 // points again after each zoom; here the points of one pixel column are joined through their
 // first, smallest, largest and last value only, which gives the same picture, and segments
 // outside the plot area's columns are cut at its edges.
@@ -118,48 +141,54 @@ public:
 protected:
     void tegn(QPainter& p, const QRectF& f) const override
     {
-        p.setPen(QPen(KurveFarge, 1));
-        p.drawPath(sti(f));
+        for (const FrmGraph::Kurvedel& del : graf_.kurver()) {
+            p.setPen(QPen(del.farge, 1));
+            p.drawPath(sti(f, del));
+        }
     }
 
 private:
-    // The points in the plot area's pixels, one pixel column at a time reduced to four.
-    std::vector<QPointF> hjorner(const QRectF& f) const
+    // The points in the plot area's pixels, one pixel column at a time reduced to four: its
+    // first, largest, smallest and last value, found on the values themselves, so only those four
+    // are taken to the screen (and to the log scale).
+    std::vector<QPointF> hjorner(const QRectF& f, const FrmGraph::Kurvedel& del) const
     {
         const QPointF t = graf_.tidsomrade(), v = graf_.verdiomrade();
         const bool log = graf_.logaritmisk();
         const auto y = [log](double verdi) { return log ? std::log10(verdi) : verdi; };
         const double sx = f.width() / (t.y() - t.x()), sy = f.height() / (y(v.y()) - y(v.x()));
+        const double x0 = t.x() + del.forskyvning, y0 = y(v.x());
+        const auto skjerm = [&](const QPointF& p) {
+            return QPointF(f.left() + (p.x() - x0) * sx,
+                           std::clamp(f.bottom() - (y(p.y()) - y0) * sy, f.top() - 1e6, f.bottom() + 1e6));
+        };
         std::vector<QPointF> ut;
-        QPointF forste, minst, storst, siste;
+        const QPointF *forste = nullptr, *minst = nullptr, *storst = nullptr, *siste = nullptr;
         double kolonne = std::nan("");
         const auto tom = [&] {
-            if (std::isnan(kolonne)) return;
-            ut.push_back(forste);
-            ut.push_back(minst.y() < storst.y() ? minst : storst);
-            ut.push_back(minst.y() < storst.y() ? storst : minst);
-            ut.push_back(siste);
+            if (!forste) return;
+            for (const QPointF* p : {forste, storst, minst, siste}) ut.push_back(skjerm(*p));
         };
-        for (const QPointF& punkt : graf_.kurve()) {
-            const double py = std::clamp(f.bottom() - (y(punkt.y()) - y(v.x())) * sy, f.top() - 1e6, f.bottom() + 1e6);
-            const QPointF q(f.left() + (punkt.x() - t.x()) * sx, py);
-            if (std::floor(q.x()) != kolonne) {
+        const auto [fra, til] = synlige(del, t.x(), t.y(), 1);
+        for (auto p = fra; p != til; ++p) {
+            const double k = std::floor(f.left() + (p->x() - x0) * sx);
+            if (k != kolonne) {
                 tom();
-                kolonne = std::floor(q.x());
-                forste = minst = storst = q;
+                kolonne = k;
+                forste = minst = storst = &*p;
             }
-            if (q.y() < minst.y()) minst = q;
-            if (q.y() > storst.y()) storst = q;
-            siste = q;
+            if (p->y() < minst->y()) minst = &*p;
+            if (p->y() > storst->y()) storst = &*p;
+            siste = &*p;
         }
         tom();
         return ut;
     }
 
     // The corners joined, each segment cut to the columns of the plot area.
-    QPainterPath sti(const QRectF& f) const
+    QPainterPath sti(const QRectF& f, const FrmGraph::Kurvedel& del) const
     {
-        const std::vector<QPointF> h = hjorner(f);
+        const std::vector<QPointF> h = hjorner(f, del);
         const double venstre = f.left() - 1, hoyre = f.right() + 1;
         const auto ved = [](const QPointF& a, const QPointF& b, double x) {
             return QPointF(x, a.y() + (b.y() - a.y()) * (x - a.x()) / (b.x() - a.x()));
@@ -178,6 +207,66 @@ private:
         return sti;
     }
 
+    const FrmGraph& graf_;
+};
+
+// The sequential colour scale of the cycles, from dark violet through blue and green to yellow,
+// at t from 0 (the first cycle) to 1 (the last).
+QColor skalaFarge(double t)
+{
+    static const QColor Punkter[] = {{68, 1, 84}, {59, 82, 139}, {33, 145, 140}, {94, 201, 98}, {253, 231, 37}};
+    constexpr int Siste = static_cast<int>(std::size(Punkter)) - 1;
+    const double x = std::clamp(t, 0.0, 1.0) * Siste;
+    const int i = std::min(static_cast<int>(x), Siste - 1);
+    const double r = x - i;
+    const QColor &a = Punkter[i], &b = Punkter[i + 1];
+    return QColor::fromRgbF(static_cast<float>(a.redF() + (b.redF() - a.redF()) * r),
+                            static_cast<float>(a.greenF() + (b.greenF() - a.greenF()) * r),
+                            static_cast<float>(a.blueF() + (b.blueF() - a.blueF()) * r));
+}
+
+// The cycles view's marks over the plot area: the zero minute (turning point or combined zero
+// point) as a dashed line, and the colour scale's key in the upper right corner.
+class Syklusnokkel : public Plottlag {
+public:
+    Syklusnokkel(QChart* chart, QLineSeries* serie, const FrmGraph& graf)
+        : Plottlag(chart, 120), serie_(serie), graf_(graf)
+    {
+    }
+
+protected:
+    void tegn(QPainter& p, const QRectF& f) const override
+    {
+        const auto& bilde = graf_.syklusbilde();
+        if (!bilde || bilde->sykluser.empty()) return;
+        const double y0 = chart_->mapToValue(f.bottomLeft(), serie_).y();
+        const double x0 = chart_->mapToPosition(QPointF(0, y0), serie_).x();
+        p.setPen(QPen(Qt::darkGray, 1, Qt::DashLine));
+        p.drawLine(QPointF(x0, f.top()), QPointF(x0, f.bottom()));
+
+        const QRectF boks(f.right() - 190, f.top() + 8, 180, 44);
+        p.setPen(QPen(Qt::gray, 1));
+        p.setBrush(QColor(255, 255, 255, 225));
+        p.drawRect(boks);
+        const QRectF stolpe(boks.left() + 10, boks.top() + 22, boks.width() - 20, 10);
+        QLinearGradient gradient(stolpe.topLeft(), stolpe.topRight());
+        for (int i = 0; i <= 8; ++i) gradient.setColorAt(i / 8.0, skalaFarge(i / 8.0));
+        p.fillRect(stolpe, gradient);
+        p.setPen(Qt::black);
+        // In pixels, so that a PDF's painter (a point a pixel) writes it as large as the screen shows it.
+        QFont skrift = chart_->legend()->font();
+        skrift.setPixelSize(12);
+        p.setFont(skrift);
+        const QString forste = QString::number(bilde->sykluser.front().syklus);
+        const QString siste = QString::number(bilde->sykluser.back().syklus);
+        p.drawText(QRectF(boks.left() + 10, boks.top() + 4, boks.width() - 20, 16), Qt::AlignLeft,
+                   QStringLiteral("Syklus %1").arg(forste));
+        p.drawText(QRectF(boks.left() + 10, boks.top() + 4, boks.width() - 20, 16), Qt::AlignRight,
+                   QStringLiteral("Syklus %1").arg(siste));
+    }
+
+private:
+    QLineSeries* serie_;
     const FrmGraph& graf_;
 };
 
@@ -282,6 +371,17 @@ private:
     std::optional<QPointF> flytt_;
 };
 
+// The decade below the smallest value above zero: the log axis's floor, where values at or below zero are drawn.
+double logBunn(const std::vector<double>& verdier)
+{
+    double minPositiv = 0, maksPositiv = 0;
+    for (const double v : verdier) {
+        if (v > 0 && (minPositiv == 0 || v < minPositiv)) minPositiv = v;
+        maksPositiv = std::max(maksPositiv, v);
+    }
+    return minPositiv > 0 ? dekader(minPositiv, maksPositiv).x() : 1e-15;
+}
+
 }  // namespace
 
 FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), graf_(graf)
@@ -291,13 +391,7 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
     resize(1000, 640);
 
     const size_t n = std::min(graf_.verdier.size(), graf_.minutter.size());
-    double minPositiv = 0, maksPositiv = 0;
-    for (size_t i = 0; i < n; ++i) {
-        const double v = graf_.verdier[i];
-        if (v > 0 && (minPositiv == 0 || v < minPositiv)) minPositiv = v;
-        maksPositiv = std::max(maksPositiv, v);
-    }
-    if (minPositiv > 0) bunn_ = dekader(minPositiv, maksPositiv).x();
+    bunn_ = logBunn(graf_.verdier);
     punkter_.reserve(static_cast<qsizetype>(n));
     logPunkter_.reserve(static_cast<qsizetype>(n));
     for (size_t i = 0; i < n; ++i) {
@@ -311,6 +405,7 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
         forsteMinutt_ = *a;
         sisteMinutt_ = *b > *a ? *b : *a + 1;
     }
+    sortert_ = std::is_sorted(graf_.minutter.begin(), graf_.minutter.begin() + static_cast<long>(n));
     byggKontroller();
     byggDiagram();
     tilbakestill();
@@ -318,6 +413,20 @@ FrmGraph::FrmGraph(const dialogs::Graf& graf, QWidget* eier) : QDialog(eier), gr
 
 void FrmGraph::byggKontroller()
 {
+    faner_ = new QTabBar(this);
+    faner_->setObjectName(QStringLiteral("Visning"));
+    faner_->addTab(QStringLiteral("Hele fila"));
+    faner_->addTab(QStringLiteral("Syklusene over hverandre"));
+    faner_->setTabToolTip(
+        1, QStringLiteral("De valgte syklusene (Text4 til Text6) i vinduet som «9.  Lag enkeltgraf» tar"));
+    faner_->setEnabled(false);  // until a source of the cycles is given
+    connect(faner_, &QTabBar::currentChanged, this, [this](int fane) {
+        if (!visSykluser(fane == 1)) {
+            const QSignalBlocker stille(faner_);
+            faner_->setCurrentIndex(0);
+        }
+    });
+
     Frame1 = new QGroupBox(this);
     Frame1->setObjectName(QStringLiteral("Frame1"));
     MSChart = new Diagramvisning(
@@ -326,17 +435,39 @@ void FrmGraph::byggKontroller()
     MSChart->setObjectName(QStringLiteral("MSChart"));
     forklaring_ = new QLabel(Frame1);
     forklaring_->setObjectName(QStringLiteral("Forklaring"));
+    forklaring_->setWordWrap(true);
     auto* ramme = new QVBoxLayout(Frame1);
     ramme->addWidget(MSChart, 1);
     ramme->addWidget(forklaring_);
 
+    tabell_ = new QTableWidget(this);
+    tabell_->setObjectName(QStringLiteral("Syklustabell"));
+    tabell_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tabell_->verticalHeader()->hide();
+    tabell_->hide();
+
     logBoks_ = new QCheckBox(QStringLiteral("Logaritmisk verdiakse"), this);
     logBoks_->setObjectName(QStringLiteral("Logaritmisk"));
     connect(logBoks_, &QCheckBox::toggled, this, &FrmGraph::settLogaritmisk);
-    auto* tilbake = new QPushButton(QStringLiteral("Hele fila"), this);
-    tilbake->setObjectName(QStringLiteral("Tilbakestill"));
-    tilbake->setToolTip(QStringLiteral("Viser hele serien igjen"));
-    connect(tilbake, &QPushButton::clicked, this, &FrmGraph::tilbakestill);
+    justertBoks_ = new QCheckBox(QStringLiteral("Nullpunkt som i samlefila"), this);
+    justertBoks_->setObjectName(QStringLiteral("Justert"));
+    justertBoks_->setToolTip(QStringLiteral("Hver syklus fra nullpunktet som «7.  Lag samlegraf» gir den"));
+    justertBoks_->hide();
+    connect(justertBoks_, &QCheckBox::toggled, this, &FrmGraph::settJustert);
+    tilbake_ = new QPushButton(QStringLiteral("Hele fila"), this);
+    tilbake_->setObjectName(QStringLiteral("Tilbakestill"));
+    tilbake_->setToolTip(QStringLiteral("Viser alt igjen"));
+    connect(tilbake_, &QPushButton::clicked, this, &FrmGraph::tilbakestill);
+    auto* bilde = new QPushButton(QStringLiteral("Lagre bilde …"), this);
+    bilde->setObjectName(QStringLiteral("LagreBilde"));
+    bilde->setToolTip(QStringLiteral("Lagrer visningen som PNG eller PDF"));
+    connect(bilde, &QPushButton::clicked, this, [this] {
+        const QString fil = QFileDialog::getSaveFileName(this, QStringLiteral("Lagre bilde"), QString(),
+                                                         QStringLiteral("PNG-bilde (*.png);;PDF (*.pdf)"));
+        if (!fil.isEmpty() && !lagreBilde(fil))
+            QMessageBox::information(this, QStringLiteral("Tolvik"),
+                                     QStringLiteral("Kan ikke lagre bildet %1").arg(fil));
+    });
     avlesning_ = new QLabel(this);
     avlesning_->setObjectName(QStringLiteral("Avlesning"));
     Command1 = new QPushButton(QStringLiteral("Exit"), this);
@@ -345,15 +476,20 @@ void FrmGraph::byggKontroller()
 
     auto* knapper = new QHBoxLayout;
     knapper->addWidget(logBoks_);
-    knapper->addWidget(tilbake);
+    knapper->addWidget(justertBoks_);
+    knapper->addWidget(tilbake_);
+    knapper->addWidget(bilde);
     knapper->addSpacing(16);
     knapper->addWidget(avlesning_, 1);
     knapper->addWidget(Command1);
+    auto* innhold = new QHBoxLayout;
+    innhold->addWidget(Frame1, 1);
+    innhold->addWidget(tabell_, 1);
     auto* hoved = new QVBoxLayout(this);
-    hoved->addWidget(Frame1, 1);
+    hoved->addWidget(faner_);
+    hoved->addLayout(innhold, 1);
     hoved->addLayout(knapper);
 }
-
 void FrmGraph::byggDiagram()
 {
     auto* chart = new QChart;
@@ -392,17 +528,20 @@ void FrmGraph::byggDiagram()
 
     auto* kurve = new Kurve(chart, *this);
     auto* merker = new Merker(chart, serie_, graf_, logaritmisk_);
-    const auto oppdater = [kurve, merker] {
+    auto* nokkel = new Syklusnokkel(chart, serie_, *this);
+    nokkel->hide();
+    merker_ = merker;
+    nokkel_ = nokkel;
+    const auto oppdater = [kurve, merker, nokkel] {
         kurve->oppdater();
         merker->oppdater();
+        nokkel->oppdater();
     };
     connect(chart, &QChart::plotAreaChanged, this, oppdater);
     connect(tidAkse_, &QValueAxis::rangeChanged, this, oppdater);
     connect(linAkse_, &QValueAxis::rangeChanged, this, oppdater);
     connect(logAkse_, &QLogValueAxis::rangeChanged, this, oppdater);
-    // Without a value above zero a logarithmic axis has nothing to show.
-    logBoks_->setEnabled(nullPunkter_.size() < punkter_.size());
-    forklaring_->setText(forklaring());
+    visModus();
 }
 
 QChart* FrmGraph::diagram() const { return MSChart->chart(); }
@@ -425,22 +564,152 @@ void FrmGraph::settLogaritmisk(bool logaritmisk)
     }
     gammel->setVisible(false);
     verdiakse()->setVisible(true);
-    nullSerie_->replace(logaritmisk_ ? nullPunkter_ : QList<QPointF>());
     const QPointF tid = tidsomrade();
     visUtsnitt(tid.x(), tid.y());
     const QSignalBlocker stille(logBoks_);
     logBoks_->setChecked(logaritmisk_);
-    forklaring_->setText(forklaring());
+    visModus();
+}
+
+void FrmGraph::settSykluskilde(std::function<std::optional<analysis::Syklusbilde>()> kilde)
+{
+    sykluskilde_ = std::move(kilde);
+    faner_->setEnabled(static_cast<bool>(sykluskilde_));
+}
+
+bool FrmGraph::visSykluser(bool sykluser)
+{
+    if (sykluser && !bilde_) {
+        if (!sykluskilde_) return false;
+        bilde_ = sykluskilde_();
+        if (!bilde_) return false;
+        byggSykluser();
+    }
+    if (sykluser != sykluser_) {
+        sykluser_ = sykluser;
+        if (sykluser_ && width() < 1700) resize(1700, height());
+        visModus();
+        tilbakestill();
+    }
+    const QSignalBlocker stille(faner_);
+    faner_->setCurrentIndex(sykluser_ ? 1 : 0);
+    return true;
+}
+
+void FrmGraph::byggSykluser()
+{
+    std::vector<double> alle;
+    for (const analysis::Syklusrader& s : bilde_->sykluser) alle.insert(alle.end(), s.verdier.begin(), s.verdier.end());
+    syklusBunn_ = logBunn(alle);
+    syklusPositive_ = std::any_of(alle.begin(), alle.end(), [](double v) { return v > 0; });
+    const double forste = bilde_->sykluser.front().syklus, siste = bilde_->sykluser.back().syklus;
+    for (const analysis::Syklusrader& s : bilde_->sykluser) {
+        const auto [forst, sist] = std::minmax_element(s.minutter.begin(), s.minutter.end());
+        Sykluskurve k{s.syklus,
+                      {},
+                      {},
+                      skalaFarge(siste > forste ? (s.syklus - forste) / (siste - forste) : 0),
+                      s.null,
+                      std::is_sorted(s.minutter.begin(), s.minutter.end()),
+                      s.minutter.empty() ? 0 : *forst,
+                      s.minutter.empty() ? 0 : *sist};
+        k.punkter.reserve(static_cast<qsizetype>(s.minutter.size()));
+        k.logPunkter.reserve(static_cast<qsizetype>(s.minutter.size()));
+        for (size_t i = 0; i < s.minutter.size(); ++i) {
+            k.punkter.append(QPointF(s.minutter[i], s.verdier[i]));
+            k.logPunkter.append(QPointF(s.minutter[i], s.verdier[i] > 0 ? s.verdier[i] : syklusBunn_));
+        }
+        sykluskurver_.push_back(std::move(k));
+    }
+
+    const QStringList overskrifter = analysis::tabellOverskrifter();
+    const std::vector<analysis::Tabellrad> rader = analysis::tabell(*bilde_);
+    tabell_->setColumnCount(static_cast<int>(overskrifter.size()));
+    tabell_->setHorizontalHeaderLabels(overskrifter);
+    tabell_->setRowCount(static_cast<int>(rader.size()));
+    for (size_t r = 0; r < rader.size(); ++r) {
+        for (qsizetype c = 0; c < rader[r].celler.size(); ++c) {
+            auto* celle = new QTableWidgetItem(rader[r].celler[c]);
+            if (rader[r].merket) celle->setBackground(QColor(255, 205, 210));
+            tabell_->setItem(static_cast<int>(r), static_cast<int>(c), celle);
+        }
+        // The cycle's colour beside its number.
+        QPixmap farge(12, 12);
+        farge.fill(sykluskurver_[r].farge);
+        tabell_->item(static_cast<int>(r), 0)->setIcon(QIcon(farge));
+    }
+    tabell_->resizeColumnsToContents();
+}
+
+void FrmGraph::settJustert(bool justert)
+{
+    if (justert == justert_) return;
+    justert_ = justert;
+    const QSignalBlocker stille(justertBoks_);
+    justertBoks_->setChecked(justert_);
+    visModus();
+    tilbakestill();
+}
+
+void FrmGraph::visModus()
+{
+    if (sykluser_) {
+        diagram()->setTitle(QStringLiteral("%1 – syklus %2 til %3 over hverandre")
+                                .arg(bilde_->tittel)
+                                .arg(bilde_->sykluser.front().syklus)
+                                .arg(bilde_->sykluser.back().syklus));
+        tidAkse_->setTitleText(justert_ ? QStringLiteral("Minutter fra nullpunktet i samlefila")
+                                        : QStringLiteral("Minutter fra snupunktet"));
+    } else {
+        diagram()->setTitle(graf_.tittel);
+        tidAkse_->setTitleText(QStringLiteral("Minutter etter datastart (%1)").arg(graf_.dataStart));
+    }
+    merker_->setVisible(!sykluser_);
+    nokkel_->setVisible(sykluser_);
+    nullSerie_->replace(logaritmisk_ && !sykluser_ ? nullPunkter_ : QList<QPointF>());
+    tabell_->setVisible(sykluser_);
+    justertBoks_->setVisible(sykluser_);
+    tilbake_->setText(sykluser_ ? QStringLiteral("Hele vinduet") : QStringLiteral("Hele fila"));
+    // Without a value above zero a logarithmic axis has nothing to show.
+    logBoks_->setEnabled(sykluser_ ? syklusPositive_ : nullPunkter_.size() < punkter_.size());
+    forklaring_->setText(sykluser_ ? syklusForklaring() : forklaring());
+    avlesning_->clear();
+}
+
+std::vector<FrmGraph::Kurvedel> FrmGraph::kurver() const
+{
+    if (!sykluser_) return {{&kurve(), KurveFarge, 0.0, sortert_}};
+    std::vector<Kurvedel> deler;
+    for (const Sykluskurve& s : sykluskurver_)
+        deler.push_back({logaritmisk_ ? &s.logPunkter : &s.punkter, s.farge, justert_ ? s.null : 0.0, s.sortert});
+    return deler;
+}
+
+QPointF FrmGraph::minutter() const
+{
+    if (!sykluser_) return {forsteMinutt_, sisteMinutt_};
+    // The zero minute, where the cycles meet, always in sight.
+    double forst = 0, sist = 0;
+    for (const Sykluskurve& s : sykluskurver_) {
+        if (s.punkter.isEmpty()) continue;
+        const double forskyvning = justert_ ? s.null : 0.0;
+        forst = std::min(forst, s.forst - forskyvning);
+        sist = std::max(sist, s.sist - forskyvning);
+    }
+    return {forst, sist > forst ? sist : forst + 1};
 }
 
 std::optional<QPointF> FrmGraph::verdierMellom(double fra, double til) const
 {
-    const QList<QPointF>& punkter = logaritmisk_ ? logPunkter_ : punkter_;
     std::optional<QPointF> omrade;
-    for (const QPointF& p : punkter) {
-        if (p.x() < fra || p.x() > til) continue;
-        if (!omrade) omrade = QPointF(p.y(), p.y());
-        omrade = QPointF(std::min(omrade->x(), p.y()), std::max(omrade->y(), p.y()));
+    for (const Kurvedel& del : kurver()) {
+        const auto [a, b] = synlige(del, fra, til, 0);
+        for (auto p = a; p != b; ++p) {
+            const double x = p->x() - del.forskyvning;
+            if (x < fra || x > til) continue;
+            if (!omrade) omrade = QPointF(p->y(), p->y());
+            omrade = QPointF(std::min(omrade->x(), p->y()), std::max(omrade->y(), p->y()));
+        }
     }
     if (!omrade) return std::nullopt;
     return logaritmisk_ ? dekader(omrade->x(), omrade->y()) : medMarg(omrade->x(), omrade->y());
@@ -448,7 +717,8 @@ std::optional<QPointF> FrmGraph::verdierMellom(double fra, double til) const
 
 void FrmGraph::visUtsnitt(std::optional<double> fra, std::optional<double> til)
 {
-    const double a = fra.value_or(forsteMinutt_), b = til.value_or(sisteMinutt_);
+    const QPointF alle = minutter();
+    const double a = fra.value_or(alle.x()), b = til.value_or(alle.y());
     settOmrade(tidAkse_, a, b > a ? b : a + 1);
     const auto v = verdierMellom(a, b);
     // A hair beyond the decades, or Qt Charts leaves out the label of the lower one.
@@ -487,10 +757,60 @@ void FrmGraph::visAvlesning(const QPointF& punkt)
 {
     QChart* chart = diagram();
     const QPointF p = chart->mapFromScene(MSChart->mapToScene(punkt.toPoint()));
-    avlesning_->setText(chart->plotArea().contains(p) ? avlesning(chart->mapToValue(p, serie_).x()) : QString());
+    if (!chart->plotArea().contains(p)) return avlesning_->clear();
+    const QPointF verdi = chart->mapToValue(p, serie_);
+    avlesning_->setText(sykluser_ ? syklusAvlesning(verdi) : avlesning(verdi.x()));
 }
 
 QString FrmGraph::avlesningTekst() const { return avlesning_->text(); }
+
+QString FrmGraph::syklusAvlesning(const QPointF& verdi) const
+{
+    // For each cycle its row nearest the minute; of those, the one nearest the point on the screen.
+    const double skjermY = diagram()->mapToPosition(verdi, serie_).y();
+    const std::vector<Kurvedel> deler = kurver();
+    std::optional<size_t> beste;
+    qsizetype besteRad = 0;
+    double avstand = 0;
+    for (size_t i = 0; i < deler.size(); ++i) {
+        const Kurvedel& del = deler[i];
+        const auto [a, b] = synlige(del, verdi.x(), verdi.x(), 1);
+        const auto naermest = std::min_element(a, b, [&](const QPointF& p, const QPointF& q) {
+            return std::abs(p.x() - del.forskyvning - verdi.x()) < std::abs(q.x() - del.forskyvning - verdi.x());
+        });
+        if (naermest == b) continue;
+        const double d = std::abs(
+            diagram()->mapToPosition(QPointF(naermest->x() - del.forskyvning, naermest->y()), serie_).y() - skjermY);
+        if (!beste || d < avstand) {
+            beste = i;
+            besteRad = naermest - del.punkter->begin();
+            avstand = d;
+        }
+    }
+    if (!beste) return {};
+    const Sykluskurve& s = sykluskurver_[*beste];
+    const QPointF punkt = s.punkter.at(besteRad);  // the value itself, also where the log axis shows its floor
+    return QStringLiteral("Syklus %1    %2 min fra %3    %4")
+        .arg(s.syklus)
+        .arg(Norsk.toString(punkt.x() - deler[*beste].forskyvning, 'f', 2),
+             justert_ ? QStringLiteral("nullpunktet") : QStringLiteral("snupunktet"),
+             vb::tekst(static_cast<float>(punkt.y())));
+}
+
+bool FrmGraph::lagreBilde(const QString& fil)
+{
+    if (!fil.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive)) return grab().save(fil, "PNG");
+    QPdfWriter pdf(fil);
+    if (!pdf.setPageSize(QPageSize(MSChart->size(), QPageSize::Point)) || !pdf.setPageMargins(QMarginsF(0, 0, 0, 0)))
+        return false;
+    pdf.setResolution(72);  // one point a pixel: the page is the chart view's size
+    pdf.setTitle(diagram()->title());
+    pdf.setCreator(QStringLiteral("Tolvik"));
+    QPainter maler;
+    if (!maler.begin(&pdf)) return false;
+    MSChart->render(&maler);
+    return maler.end();
+}
 
 QString FrmGraph::forklaring() const
 {
@@ -516,6 +836,20 @@ QString FrmGraph::forklaring() const
         t += merke(NullFarge, QStringLiteral("●"),
                    QStringLiteral("%1 verdier ≤ 0, vist ved aksens bunn").arg(nullPunkter_.size()));
     return t;
+}
+
+QString FrmGraph::syklusForklaring() const
+{
+    const QString fra = bilde_->adsorpsjon ? QStringLiteral("største verdi de 30 minuttene før snupunktet, minus Text1")
+                                           : QStringLiteral("desorpsjonstoppen, minus 10 minutter");
+    return QStringLiteral(
+               "Syklus %1 til %2, fargene fra mørk fiolett (første) til gul (siste). Vinduet: %3 min før til "
+               "%4 min etter snupunktet. ")
+               .arg(bilde_->sykluser.front().syklus)
+               .arg(bilde_->sykluser.back().syklus)
+               .arg(Norsk.toString(bilde_->foer, 'g', 6), Norsk.toString(bilde_->etter, 'g', 6)) +
+           (justert_ ? QStringLiteral("Nullpunktet som i samlefila: %1.").arg(fra)
+                     : QStringLiteral("Stiplet linje: snupunktet."));
 }
 
 }  // namespace app

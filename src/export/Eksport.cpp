@@ -10,15 +10,8 @@ namespace exports {
 
 Forberedt forberedEksport(Kontekst& k, const dialogs::Sporsmal& sporsmal)
 {
-    std::optional<files::SnuPunkter> liste = files::SnuPunkter::les(k);
-    if (!liste) {
-        k.dialogs.info(QStringLiteral("Du må først finne antall sykluser"));
-        return {std::nullopt, Utfall::Avvist};
-    }
-    if (k.vindu.kolonner().isEmpty()) {
-        k.dialogs.info(QStringLiteral("Ingen data importert"));
-        return {std::nullopt, Utfall::Avvist};
-    }
+    std::optional<files::SnuPunkter> liste = analysis::lesSnupunkter(k);
+    if (!liste) return {std::nullopt, Utfall::Avvist};
     const QString ut = k.sti(UtMappe);
     if (!files::MappeFinnes(ut) && !QDir().mkdir(ut))
         throw vb::Feil(QStringLiteral("Kan ikke lage mappen %1").arg(ut).toStdString());

@@ -3,6 +3,7 @@
 // time and the progress text.
 #pragma once
 
+#include "analysis/Syklusvinduer.h"
 #include "files/SnuPunkter.h"
 #include "platform/Kontekst.h"
 #include "platform/xlsx/Arbeidsbok.h"
@@ -23,8 +24,7 @@ inline const QString UtMappe = QStringLiteral("Data_Bearbeidet");
 inline const QString MalSykluser = QStringLiteral("Mal_Sykluser.xlsx");
 inline const QString MalAdsorpsjon = QStringLiteral("Mal_Alle_Adsorpsjon.xlsm");
 inline const QString MalDesorpsjon = QStringLiteral("Mal_Alle_Desorpsjon.xlsm");
-inline const QString FeilMelding =
-    QStringLiteral("Det har oppstått en feil. Sjekk at du har oppgitt gyldige intervaller og tidspunkt.");
+using analysis::FeilMelding;
 
 // The questions the exports share: how many cycles to write, and the file-name prefix.
 inline const dialogs::Sporsmal SporEnkeltfiler{dialogs::Sporsmal::Art::JaNei,

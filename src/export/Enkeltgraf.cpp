@@ -74,10 +74,9 @@ Utfall Command3_Click(Kontekst& k)
             const int16_t siste = vb::heltall16(k.vindu.sisteSyklus());
             for (int16_t syklus = 1; syklus <= siste; syklus = vb::pluss16(syklus)) {
                 const vb::Dato snupunkt = snupunkter.syklus(syklus);
-                const vb::Dato fra = snupunkt.leggTilMinutter(-vb::tall(k.vindu.minutterFor()));
-                const vb::Dato til = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
+                const analysis::Tidsvindu vindu = analysis::enkeltvindu(k, snupunkt);
                 if (vb::tall(k.vindu.forsteSyklus()) > syklus) continue;
-                auto poster = store::vinduRader(k.tilkobling, false, fra, til);
+                auto poster = store::vinduRader(k.tilkobling, false, vindu.fra, vindu.til);
                 if (!poster.eof()) LagSyklusfil(k, prefiks, poster, syklus, start, udekket, lagring);
             }
             lagring.vent();

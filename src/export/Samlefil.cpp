@@ -12,28 +12,9 @@ namespace {
 
 constexpr int SisteRad = 2000;
 
-// DatoTid of the first row holding the largest value of the column strictly between a and b.
-vb::Dato maksTid(Kontekst& k, const QString& kolonne, const vb::Dato& a, const vb::Dato& b)
-{
-    const std::optional<vb::Dato> tid = store::maksTid(k.tilkobling, kolonne, a, b);
-    if (!tid) throw vb::Feil("Ingen rad med største verdi i intervallet");
-    return *tid;
-}
-
 QString kolonneBokstav(const Kontekst& k) { return files::HentKode(k.vindu.kolonneTekst()); }
 
 }  // namespace
-
-vb::Dato FinnNullpunktAdsorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Minutter)
-{
-    return maksTid(k, Kolonne, SnuPunkt.leggTilMinutter(-30), SnuPunkt).leggTilMinutter(-Minutter);
-}
-
-vb::Dato FinnNullpunktDesorpsjon(Kontekst& k, const vb::Dato& SnuPunkt, const QString& Kolonne, int16_t Periode)
-{
-    const vb::Dato m1 = maksTid(k, Kolonne, SnuPunkt.leggTilMinutter(-30), SnuPunkt);
-    return maksTid(k, Kolonne, m1.leggTilMinutter(60), m1.leggTilMinutter(Periode)).leggTilMinutter(-10);
-}
 
 Utfall Command5_Click(Kontekst& k)
 {
@@ -67,16 +48,9 @@ Utfall Command5_Click(Kontekst& k)
         for (int16_t syklus = 1; syklus <= vb::heltall16(k.vindu.sisteSyklus());) {
             const vb::Dato snupunkt = liste.syklus(syklus);
             QString K = kolonneBokstav(k);
-            vb::Dato null, slutt;
-            if (k.vindu.adsorpsjon()) {
-                null = FinnNullpunktAdsorpsjon(k, snupunkt, K, vb::heltall16(k.vindu.minutterFor()));
-                slutt = snupunkt.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
-            } else {
-                null = FinnNullpunktDesorpsjon(k, snupunkt, K, periode);
-                slutt = null.leggTilMinutter(vb::tall(k.vindu.minutterEtter()));
-            }
+            const analysis::Tidsvindu vindu = analysis::samlevindu(k, snupunkt, K, periode);
             if (vb::tall(k.vindu.forsteSyklus()) <= syklus) {
-                auto poster = store::vinduRader(k.tilkobling, true, null, slutt);
+                auto poster = store::vinduRader(k.tilkobling, true, vindu.fra, vindu.til);
                 if (!poster.eof()) {
                     const int kolonne = syklus + 2;
                     float rad = 2.0f;

@@ -102,10 +102,12 @@ QString setning::maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& 
     return ytterpunkt(K, "max", ">", fra, til);
 }
 
-QString setning::vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til)
+QString setning::vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til, const QString& K)
 {
-    return QStringLiteral("Select * from Datalinjer where ") + tidsvilkar(medStart ? ">=" : ">", fra) +
-           QStringLiteral(" and ") + tidsvilkar("<=", til) + QStringLiteral(" order by ID");
+    const QString felt = K.isEmpty() ? QStringLiteral("*") : QStringLiteral("DatoTid, ") + bokstav(K);
+    return QStringLiteral("Select ") + felt + QStringLiteral(" from Datalinjer where ") +
+           tidsvilkar(medStart ? ">=" : ">", fra) + QStringLiteral(" and ") + tidsvilkar("<=", til) +
+           QStringLiteral(" order by ID");
 }
 
 long long antallRader(db::Database& d)
@@ -138,6 +140,13 @@ std::optional<db::Recordset> forsteRad(db::Database& d)
 std::optional<vb::Dato> forsteTid(db::Database& d)
 {
     auto poster = d.spor(QStringLiteral("Select * from Datalinjer where ID = (Select Min(ID) from Datalinjer)"));
+    if (poster.eof()) return std::nullopt;
+    return poster.dato("DatoTid");
+}
+
+std::optional<vb::Dato> sisteTid(db::Database& d)
+{
+    auto poster = d.spor(QStringLiteral("Select DatoTid from Datalinjer where ID = (Select Max(ID) from Datalinjer)"));
     if (poster.eof()) return std::nullopt;
     return poster.dato("DatoTid");
 }
@@ -183,9 +192,9 @@ std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dat
     return poster.dato("DatoTid");
 }
 
-db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til)
+db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til, const QString& K)
 {
-    return d.spor(setning::vindu(medStart, fra, til));
+    return d.spor(setning::vindu(medStart, fra, til, K));
 }
 
 }  // namespace store

@@ -39,8 +39,9 @@ QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart
 QString snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);
 // The row of a span's largest value, both ends exclusive.
 QString maksTid(const QString& K, const vb::Dato& fra, const vb::Dato& til);
-// The rows of a window in ID order: the start row taken or not (medStart), the end row always.
-QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til);
+// The rows of a window in ID order: the start row taken or not (medStart), the end row always;
+// every field, or with a column letter K only DatoTid and K.
+QString vindu(bool medStart, const vb::Dato& fra, const vb::Dato& til, const QString& K = {});
 }  // namespace setning
 
 // ------------------------------------------------------------------ the queries
@@ -59,6 +60,8 @@ std::optional<db::Recordset> forsteRad(db::Database& d);
 // DatoTid of the first measurement row, as the single-cycle and integration exports read it;
 // empty for an empty table.
 std::optional<vb::Dato> forsteTid(db::Database& d);
+// DatoTid of the last measurement row (highest ID); empty for an empty table.
+std::optional<vb::Dato> sisteTid(db::Database& d);
 // Whether the table holds a row, as the combined export asks it.
 bool harRader(db::Database& d);
 
@@ -82,6 +85,8 @@ vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, boo
 // empty when the span has no row.
 std::optional<vb::Dato> maksTid(db::Database& d, const QString& K, const vb::Dato& fra, const vb::Dato& til);
 // Every row of a time window in ID order; the row at fra only with medStart, the row at til always.
-db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til);
+// With a column letter K only DatoTid and K, which the column's time index holds without the table rows.
+db::Recordset vinduRader(db::Database& d, bool medStart, const vb::Dato& fra, const vb::Dato& til,
+                         const QString& K = {});
 
 }  // namespace store

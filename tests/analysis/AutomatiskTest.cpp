@@ -79,7 +79,7 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
     fyll(treSykluser(10));
     mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
     auto kjor = [&](QStringList args) { return test::batch(QStringList{"--folder", mappe.mappe()} + args); };
-    const QString png = mappe.sti(u"graf.png"_s);
+    const QString png = mappe.sti(u"graf.png"_s), pdf = mappe.sti(u"graf.pdf"_s);
     const struct {
         QStringList args;
         QString ut;
@@ -90,6 +90,7 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
         {{"auto-search", "--start", "1", "--cycles", "30"}, u"Det ble funnet 3 sykluser."_s},
         {{"graph", "--png", png}, u"\n\n9,5\n\nPunkter i grafen: 43\n"_s},  // after the values above 1
         {{"graph", "--log", "--from", "2,5", "--to", "5", "--png", png}, u"Punkter i grafen: 43\n"_s},
+        {{"graph", "--pdf", pdf}, u"Punkter i grafen: 43\n"_s},
     };
     for (const auto& t : tilfeller) {
         const auto k = kjor(t.args);
@@ -97,8 +98,12 @@ TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
     }
     EXPECT_TRUE(mappe.les(u"Oppsett.txt"_s).startsWith("1!0!"));
     EXPECT_GT(QImage(png).width(), 400);
+    EXPECT_TRUE(mappe.les(u"graf.pdf"_s).startsWith("%PDF"));
     EXPECT_EQ(kjor({"find-cycles"}).status, 2);  // --start is required
-    for (const QStringList& feil : {QStringList{"graph", "--from", "x"}, {"graph", "--from", "5", "--to", "5"}})
+    for (const QStringList& feil : {QStringList{"graph", "--from", "x"},
+                                    {"graph", "--from", "5", "--to", "5"},
+                                    {"graph", "--png", png, "--pdf", pdf},
+                                    {"graph", "--aligned"}})
         EXPECT_EQ(kjor(feil).status, 2) << feil.join(' ');
 }
 

@@ -5,7 +5,10 @@
 // each other, and every CO2 area must be positive. Data whose plateau noise lets the smallest
 // or largest value land at either end of a plateau, or whose heating lies elsewhere than where
 // the desorption zero point is looked for, fail here.
+#include "analysis/Syklusvinduer.h"
+#include "app/Form1.h"
 #include "felles/Eksportmappe.h"
+#include "platform/dialogs/SkriptDialogs.h"
 
 #include <QProcess>
 #include <algorithm>
@@ -110,6 +113,30 @@ protected:
         }
         const auto [forst, sist] = std::minmax_element(merker.begin(), merker.end());
         EXPECT_LE(*sist - *forst, RaderPaTo) << "rader " << merker[0] << ", " << merker[1] << ", " << merker[2];
+
+        // The graph window's cycles, aligned on the same zero points: the landmarks share a minute,
+        // and tolvik-batch saves the view as a PDF.
+        {
+            dialogs::SkriptDialogs dialogs;
+            app::Form1 f(mappe.mappe(), dialogs);
+            f.velgAdsorpsjon(modus.valg == u"--adsorption"_s);
+            dialogs.svar(analysis::SporPeriode, u"140"_s);
+            const auto bilde = analysis::lesSyklusbilde(f.kontekst());
+            ASSERT_TRUE(bilde) << dialogs.meldinger().join('|');
+            std::vector<double> minutter;
+            for (const auto& s : bilde->sykluser) {
+                const long i =
+                    merke(std::vector<double>(s.verdier.begin(), s.verdier.end()), modus.valg == u"--adsorption"_s);
+                ASSERT_GE(i, 0) << "syklus " << s.syklus;
+                minutter.push_back(s.minutter[static_cast<size_t>(i)] - s.null);
+            }
+            const auto [forst, sist] = std::minmax_element(minutter.begin(), minutter.end());
+            EXPECT_LE(*sist - *forst, FaseSlingring) << minutter[0] << ", " << minutter[1] << ", " << minutter[2];
+        }
+        const test::Kjoring graf =
+            batch({modus.valg, "graph", "--cycles", "--aligned", "--pdf", mappe.sti(u"v.pdf"_s)});
+        EXPECT_TRUE(graf.ut.contains(u"Sykluser i visningen: %1"_s.arg(Sykluser))) << graf.ut;
+        EXPECT_TRUE(mappe.les(u"v.pdf"_s).startsWith("%PDF"));
 
         // The CO2 areas, 25 minutes before to 25 after each turning point.
         batch({modus.valg, "integrate", "--prefix", modus.prefiks});

@@ -65,11 +65,14 @@ TEST_F(Setninger, MinimumOgMaksimumHopperOverTommeFelt)
 
 TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)
 {
-    EXPECT_FALSE(store::harRader(db) || store::forsteRad(db) || store::forsteTid(db));  // an empty table
+    EXPECT_FALSE(store::harRader(db) || store::forsteRad(db) || store::forsteTid(db) ||
+                 store::sisteTid(db));  // an empty table
     rad("23/11/2012 10:00:04", QStringLiteral("1"));
     rad("23/11/2012 10:00:02", QStringLiteral("1"));
-    EXPECT_EQ(datoer(store::vinduRader(db, true, kl(0), kl(10))),
-              (QStringList{QStringLiteral("20121123100004"), QStringLiteral("20121123100002")}));
+    for (const QString& K : {QString(), QStringLiteral("C")})
+        EXPECT_EQ(datoer(store::vinduRader(db, true, kl(0), kl(10), K)),
+                  (QStringList{QStringLiteral("20121123100004"), QStringLiteral("20121123100002")}));
+    EXPECT_EQ(store::sisteTid(db), kl(2));
     EXPECT_EQ(store::maksTid(db, QStringLiteral("C"), kl(0), kl(10)), kl(4));
     EXPECT_EQ(store::forsteTid(db), kl(4));
     EXPECT_TRUE(store::harRader(db) && store::forsteRad(db));
@@ -77,11 +80,18 @@ TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)
 
 TEST_F(Setninger, TidsnokkelBrukerIndeks)
 {
-    const QString sql = db::tilSqlite(store::setning::vindu(false, kl(0), kl(4)));
-    QString plan;
-    for (auto p = db.spor(QStringLiteral("EXPLAIN QUERY PLAN ") + sql); !p.eof(); p.moveNext())
-        plan += p.tekst("detail") + QLatin1Char('\n');
-    EXPECT_TRUE(plan.contains(QStringLiteral("USING INDEX DataLinjer_DatoTid"))) << plan.toStdString();
+    const auto plan = [&](const QString& setning) {
+        QString plan;
+        for (auto p = db.spor(QStringLiteral("EXPLAIN QUERY PLAN ") + db::tilSqlite(setning)); !p.eof(); p.moveNext())
+            plan += p.tekst("detail") + QLatin1Char('\n');
+        return plan;
+    };
+    const QString alle = plan(store::setning::vindu(false, kl(0), kl(4)));
+    EXPECT_TRUE(alle.contains(QStringLiteral("USING INDEX DataLinjer_DatoTid"))) << alle.toStdString();
+    // A window of one column is read from that column's time index alone.
+    store::forberedSok(db, QStringLiteral("C"));
+    const QString en = plan(store::setning::vindu(false, kl(0), kl(4), QStringLiteral("C")));
+    EXPECT_TRUE(en.contains(QStringLiteral("USING COVERING INDEX DataLinjer_Tid_C"))) << en.toStdString();
 }
 
 TEST(Databasefil, KreverNokkelen)
