@@ -13,7 +13,7 @@ void Radlager::settInn(const Rad* rader, int antall, bool tidFolgerId)
         const Rad& rad = rader[i];
         return db::Masseinnsetting::Rad{{rad.tid(), rad.tekst()}, rad.verdier, rad.antall};
     });
-    // Some 8 MB of the file a time, the disk starts on what SQLite has written, so that the
+    // Some 3 MB of the file a time, the disk starts on what SQLite has written, so that the
     // flush before the new file takes Data.mdb's place finds little left to write.
     if (innsetting_.lagret() >= nesteUtskriving_) {
         db_.begynnSkriving();

@@ -24,7 +24,7 @@ private:
     db::Transaksjon transaksjon_;
     db::Masseinnsetting innsetting_;
     bool tidFolgerId_ = true;
-    static constexpr int64_t RaderMellomUtskriving = 50000;
+    static constexpr int64_t RaderMellomUtskriving = 20000;
     int64_t nesteUtskriving_ = RaderMellomUtskriving;
 };
 
