@@ -128,18 +128,23 @@ void Bakgrunnslagring::kjor()
 {
     std::unique_lock laas(mutex_);
     for (;;) {
-        endret_.wait(laas, [this] { return slutt_ || lagrer_; });
-        if (!lagrer_) return;
+        endret_.wait(laas, [this] { return slutt_ || !ko_.empty(); });
+        if (ko_.empty()) return;
+        Bok& neste = ko_.front();
         laas.unlock();
         std::exception_ptr feil;
         try {
-            bok_->lagreSom(sti_);
+            neste.bok->lagreSom(neste.sti);
         } catch (...) {
             feil = std::current_exception();
         }
         laas.lock();
-        lagrer_ = false;
-        feil_ = feil;
+        // A failed save gives up the ones after it, which may depend on it.
+        do {
+            ferdige_.push_back(std::move(ko_.front()));
+            ko_.pop_front();
+        } while (feil && !ko_.empty());
+        if (feil) feil_ = feil;
         endret_.notify_all();
     }
 }
@@ -147,28 +152,33 @@ void Bakgrunnslagring::kjor()
 void Bakgrunnslagring::lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti)
 {
     vent();
+    lagreDeretter(std::move(bok), sti);
+}
+
+void Bakgrunnslagring::lagreDeretter(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti)
+{
     {
         std::lock_guard laas(mutex_);
-        bok_ = std::move(bok);
-        sti_ = sti;
-        lagrer_ = true;
+        if (feil_) return;  // an earlier save failed: vent() says so
+        ko_.push_back({std::move(bok), sti});
     }
     endret_.notify_all();
 }
 
 void Bakgrunnslagring::vent()
 {
-    std::unique_ptr<xlsx::Arbeidsbok> lagret;
+    std::vector<Bok> lagret;
     std::exception_ptr feil;
     {
         std::unique_lock laas(mutex_);
-        endret_.wait(laas, [this] { return !lagrer_; });
-        lagret = std::move(bok_);
+        endret_.wait(laas, [this] { return ko_.empty(); });
+        lagret = std::move(ferdige_);
+        ferdige_.clear();
         feil = std::exchange(feil_, nullptr);
     }
-    // The workbook is freed here, by the thread that made it: freeing its many small pieces
+    // The workbooks are freed here, by the thread that made them: freeing their many small pieces
     // from the other thread made both threads wait on the memory allocator.
-    lagret.reset();
+    lagret.clear();
     if (feil) std::rethrow_exception(feil);
 }
 

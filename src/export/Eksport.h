@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QStringList>
 #include <condition_variable>
+#include <deque>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -102,33 +103,39 @@ private:
     QStringList linjer_;
 };
 
-// Saves workbooks on a second thread, one at a time, so that a command fills its next workbook
-// while the last one is compressed and written. The thread lives as long as the object, so the
-// formulas it has read once are known to it for the next workbooks.
+// Saves workbooks on a second thread, one at a time and in the order given, so that a command
+// fills its next workbook while the last ones are compressed and written. A workbook whose save
+// fails stops the ones given after it. The thread lives as long as the object, so the formulas it
+// has read once are known to it for the next workbooks.
 class Bakgrunnslagring {
 public:
     Bakgrunnslagring();
-    // Waits for the workbook being saved; its error is dropped here, so call vent() to see it.
+    // Waits for the workbooks given; their error is dropped here, so call vent() to see it.
     ~Bakgrunnslagring();
     Bakgrunnslagring(const Bakgrunnslagring&) = delete;
     Bakgrunnslagring& operator=(const Bakgrunnslagring&) = delete;
 
-    // Waits for the last workbook, then starts saving bok as sti.
+    // Waits for the workbooks given before, then starts saving bok as sti.
     void lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti);
-    // Waits for the workbook being saved and throws its error, if it failed.
+    // Saves bok as sti once the workbooks given before it are saved; not at all when one of them fails.
+    void lagreDeretter(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti);
+    // Waits for the workbooks given and throws the error of the one that failed, if any.
     void vent();
-    // The command stopped with e: shows through vis the error of the workbook being saved, which
+    // The command stopped with e: shows through vis the error of a workbook being saved, which
     // came first, or else e.
     Utfall stoppet(const std::exception& e, const std::function<Utfall(const std::exception&)>& vis);
 
 private:
+    struct Bok {
+        std::unique_ptr<xlsx::Arbeidsbok> bok;
+        QString sti;
+    };
     void kjor();
 
     std::mutex mutex_;
     std::condition_variable endret_;
-    std::unique_ptr<xlsx::Arbeidsbok> bok_;  // the workbook given to save, freed by vent()
-    QString sti_;
-    bool lagrer_ = false;  // bok_ is being saved
+    std::deque<Bok> ko_;              // to save, the first one being saved
+    std::vector<Bok> ferdige_;        // saved or given up, freed by vent()
     std::exception_ptr feil_;
     bool slutt_ = false;
     std::thread traad_;

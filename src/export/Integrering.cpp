@@ -57,12 +57,6 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     }
     auto integrering = xlsx::apne(k.sti(MalEnkel));
     xlsx::Arbeidsark& ark = integrering->ark(1);
-    lagring.vent();  // the template saved by the cycle before
-    auto samle = xlsx::apne(k.sti(MalAlle));
-    xlsx::Arbeidsark& samleark = samle->ark(1);
-
-    if (SyklusNr == 1)
-        for (int r = 2; harTekst(samleark.celle(r, KolonneB)); ++r) samleark.settCelle(r, KolonneB, xlsx::Verdi{});
 
     Fremdrift fremdrift(k.vindu, SyklusNr);
     int16_t rad = 3;
@@ -101,7 +95,12 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     }
     const int dekket = ark.fyllNed();  // the area elements of column G reach every written row
     ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
-    lagring.vent();  // the last cycle's workbook is written before the summary takes this one
+    // The summary as the last cycle's saves left it: the template carries the areas on.
+    lagring.vent();
+    auto samle = xlsx::apne(k.sti(MalAlle));
+    xlsx::Arbeidsark& samleark = samle->ark(1);
+    if (SyklusNr == 1)
+        for (int r = 2; harTekst(samleark.celle(r, KolonneB)); ++r) samleark.settCelle(r, KolonneB, xlsx::Verdi{});
     samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
     for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
 
@@ -109,12 +108,12 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     const QString fil = Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx");
     lagring.lagreSom(std::move(integrering), utFil(k, fil));
     udekket.merk(SyklusNr, rad - 1, dekket, fil);
-    // Saved once this cycle's workbook is on the disk, so that the template never holds an area
-    // whose workbook was not written. The template itself carries the areas on to the next cycle.
+    // Saved only once this cycle's workbook is on the disk, so that the template never holds an
+    // area whose workbook was not written; meanwhile the next cycle is filled.
     const QString samleFil = SyklusNr < SisteSyklus
                                  ? MalAlle
                                  : Filnavn + QStringLiteral("_Samlefil_") + tall(SyklusNr) + QStringLiteral(".xlsx");
-    lagring.lagreSom(std::move(samle), SyklusNr < SisteSyklus ? k.sti(MalAlle) : utFil(k, samleFil));
+    lagring.lagreDeretter(std::move(samle), SyklusNr < SisteSyklus ? k.sti(MalAlle) : utFil(k, samleFil));
     udekket.merk(SyklusNr, SyklusNr + 1, samleDekket, samleFil);
 }
 
