@@ -1,6 +1,7 @@
 #include "app/Programmappe.h"
 
 #include "platform/db/Database.h"
+#include "platform/fil/Varig.h"
 #include "store/Maledata.h"
 #include "store/Nydatabase.h"
 
@@ -24,9 +25,10 @@ bool harFil(const QString& mappe, const QString& navn)
 
 bool portabel(const QString& mappe) { return harFil(mappe, store::MalFil) && QFileInfo(mappe).isWritable(); }
 
-// Copies a file into the folder unless it already holds one of that name. The copy goes through a
-// temporary name that the next start removes, so a killed start never leaves half a file under
-// the final name; it is writable by its owner, as the program rewrites templates in place.
+// Copies a file into the folder unless it already holds one of that name (also one another process
+// made meanwhile). The copy goes through a temporary name that the next start removes and is
+// flushed before it takes its name, so neither a kill nor a power cut leaves half a file under the
+// final name; it is writable by its owner, as the program rewrites templates in place.
 std::optional<QString> kopierHvisMangler(const QString& fra, const QString& mappe)
 {
     const QString navn = QFileInfo(fra).fileName();
@@ -37,9 +39,10 @@ std::optional<QString> kopierHvisMangler(const QString& fra, const QString& mapp
     QFile kilde(fra);
     if (!kilde.copy(tmp)) return QStringLiteral("%1 kan ikke kopieres til %2: %3").arg(fra, til, kilde.errorString());
     QFile::setPermissions(tmp, QFile::permissions(tmp) | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    if (QFile::rename(tmp, til)) return std::nullopt;
-    QFile::remove(tmp);
-    return QStringLiteral("%1 kan ikke lages i %2").arg(navn, mappe);
+    const std::error_code feil = fil::leggInn(QFile::encodeName(tmp).toStdString(), QFile::encodeName(til).toStdString());
+    QFile::remove(tmp);  // left only when it was not put in place
+    if (!feil || feil == std::errc::file_exists) return std::nullopt;
+    return QStringLiteral("%1 kan ikke lages i %2: %3").arg(navn, mappe, QString::fromLocal8Bit(feil.message()));
 }
 
 // Sets up the user's folder from the installed files; returns what failed.
