@@ -1,7 +1,7 @@
 // The road of a typical experiment, twice: once through the real window (offscreen, answers by
 // question) and once through tolvik-batch, each in a program folder of its own. Both roads write
-// the same workbooks (cells, formulas, chart titles and axes), and the window starts again with
-// its settings, its column list and its row count.
+// the same workbooks, part for part, and the window starts again with its settings, its column
+// list and its row count.
 #include "analysis/AutomatiskSoking.h"
 #include "analysis/Sykluser.h"
 #include "app/FrmGraph.h"
@@ -13,7 +13,8 @@
 #include "files/Oppsett.h"
 #include "store/Import.h"
 
-#include <QDirIterator>
+#include <QProcess>
+#include <QSet>
 
 namespace {
 
@@ -30,20 +31,20 @@ void kopierMaler(const test::Programmappe& mappe)
         ASSERT_TRUE(QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) << mal;
 }
 
-// Every workbook a road wrote, and the templates it changed, as openpyxl reads them.
-std::map<QString, QJsonObject> arbeidsboker(const test::Programmappe& mappe)
+// Every part of every workbook a road wrote and of the templates it changed: workbook, part and
+// a digest of its bytes, a line each (the zip's own timestamps left out).
+QStringList deler(const test::Programmappe& mappe)
 {
-    std::map<QString, QJsonObject> boker;
-    for (QDirIterator it(mappe.mappe(), {"*.xlsx", "*.xlsm"}, QDir::Files, QDirIterator::Subdirectories);
-         it.hasNext();) {
-        const QString fil = it.next();
-        const test::Bok bok = test::lesArbeidsbok(fil, true);
-        QJsonObject alt = bok.json;
-        alt.insert(u"celler"_s, bok.celler);
-        alt.insert(u"formler"_s, bok.formler);
-        boker[QDir(mappe.mappe()).relativeFilePath(fil)] = alt;
-    }
-    return boker;
+    QProcess p;
+    p.start(u"/usr/bin/python3"_s, {u"-c"_s, u"import hashlib, pathlib, sys, zipfile\n"
+                                           "rot = pathlib.Path(sys.argv[1])\n"
+                                           "for f in sorted(rot.rglob('*.xls[xm]')):\n"
+                                           "    z = zipfile.ZipFile(f)\n"
+                                           "    for n in sorted(z.namelist()):\n"
+                                           "        print(f.relative_to(rot), n, hashlib.sha1(z.read(n)).hexdigest())"_s,
+                                    mappe.mappe()});
+    p.waitForFinished();
+    return QString::fromUtf8(p.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
 }
 
 class Veien : public test::MedVindu {
@@ -123,13 +124,12 @@ TEST_F(Veien, VinduetOgBatchGarSammeVeiOgSkriverDetSamme)
     EXPECT_EQ(annen.les(u"Oppsett.txt"_s), mappe.les(u"Oppsett.txt"_s));
     EXPECT_EQ(annen.les(u"SnuPunkter.txt"_s), mappe.les(u"SnuPunkter.txt"_s));
 
-    const auto vinduets = arbeidsboker(mappe), batchens = arbeidsboker(annen);
-    EXPECT_GE(vinduets.size(), 5u + 2u * static_cast<size_t>(settinger[0].toInt()));
-    ASSERT_EQ(vinduets.size(), batchens.size());
-    for (const auto& [navn, bok] : vinduets) {
-        ASSERT_TRUE(batchens.count(navn)) << navn;
-        EXPECT_TRUE(bok == batchens.at(navn)) << navn;
-    }
+    // The same workbooks, part for part.
+    const QStringList vinduets = deler(mappe);
+    QSet<QString> boker;
+    for (const QString& linje : vinduets) boker.insert(linje.section(' ', 0, 0));
+    EXPECT_GE(boker.size(), 5 + 2 * settinger[0].toInt());
+    EXPECT_EQ(vinduets.join('\n').toStdString(), deler(annen).join('\n').toStdString());  // shown as a diff
 }
 
 }  // namespace
