@@ -137,20 +137,6 @@ const QLocale Norsk(QLocale::NorwegianBokmal, QLocale::Norway);
 
 QString minuttTekst(double m) { return Norsk.toString(m, 'f', 2); }
 
-// "dd.MM.yyyy HH:mm:ss", the time also at midnight.
-QString datoTid(const vb::Dato& t)
-{
-    int aar, mnd, dag, time, min, sek;
-    t.deler(aar, mnd, dag, time, min, sek);
-    return QStringLiteral("%1.%2.%3 %4:%5:%6")
-        .arg(dag, 2, 10, QLatin1Char('0'))
-        .arg(mnd, 2, 10, QLatin1Char('0'))
-        .arg(aar, 4, 10, QLatin1Char('0'))
-        .arg(time, 2, 10, QLatin1Char('0'))
-        .arg(min, 2, 10, QLatin1Char('0'))
-        .arg(sek, 2, 10, QLatin1Char('0'));
-}
-
 }  // namespace
 
 std::vector<Tabellrad> tabell(const Syklusbilde& bilde)
@@ -158,7 +144,7 @@ std::vector<Tabellrad> tabell(const Syklusbilde& bilde)
     std::vector<Tabellrad> rader;
     for (const Syklusrader& s : bilde.sykluser) {
         Tabellrad r;
-        r.celler << QString::number(s.syklus) << datoTid(s.snupunkt) << QString::number(s.minutter.size());
+        r.celler << QString::number(s.syklus) << s.snupunkt.fullTekst() << QString::number(s.minutter.size());
         if (s.verdier.empty()) {
             r.celler << QString() << QString() << QString() << QString();
         } else {

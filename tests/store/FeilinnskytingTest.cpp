@@ -91,11 +91,7 @@ protected:
     // counted calls the run made.
     long kjor(long k, const std::function<void()>& kommando)
     {
-        f.reset();
-        for (const QString& navn : {u"Data.mdb"_s, u"Kolonner.txt"_s}) {
-            QFile::remove(mappe.sti(navn));
-            QFile::copy(mappe.sti(navn + u".kopi"_s), mappe.sti(navn));
-        }
+        kopier(u".kopi"_s, {});
         vindu({});
         innskyting::teller = 0;
         innskyting::ved = k;
@@ -103,12 +99,15 @@ protected:
         innskyting::ved = 0;
         return innskyting::teller;
     }
-    void behold()
+    // Keeps Data.mdb and Kolonner.txt as they are, for every run after.
+    void behold() { kopier({}, u".kopi"_s); }
+    // Data.mdb and Kolonner.txt (with the suffix fra) copied over those with the suffix til, the window closed.
+    void kopier(const QString& fra, const QString& til)
     {
         f.reset();
         for (const QString& navn : {u"Data.mdb"_s, u"Kolonner.txt"_s}) {
-            QFile::remove(mappe.sti(navn + u".kopi"_s));
-            QFile::copy(mappe.sti(navn), mappe.sti(navn + u".kopi"_s));
+            QFile::remove(mappe.sti(navn + til));
+            QFile::copy(mappe.sti(navn + fra), mappe.sti(navn + til));
         }
     }
     // The caption and column list that the next start finds; checks what must hold after any run.

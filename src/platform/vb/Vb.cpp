@@ -263,15 +263,20 @@ std::optional<Dato> Dato::fraFastePlasser(std::string_view t)
                   toSiffer(t, 14), toSiffer(t, 17));
 }
 
-QString Dato::generellTekst() const
+QString Dato::fullTekst() const
 {
     int y, mo, d, h, mi, s;
     deler(y, mo, d, h, mi, s);
-    const QString dato = QString::asprintf("%02d.%02d.%04d", d, mo, y);
-    const QString tid = QString::asprintf("%02d:%02d:%02d", h, mi, s);
-    if (gulvDel(sek_, SekPerDag) == 0) return tid;
-    if (h == 0 && mi == 0 && s == 0) return dato;
-    return dato + QLatin1Char(' ') + tid;
+    return QString::asprintf("%02d.%02d.%04d %02d:%02d:%02d", d, mo, y, h, mi, s);
+}
+
+QString Dato::generellTekst() const
+{
+    const QString full = fullTekst();
+    const int64_t dag = gulvDel(sek_, SekPerDag);
+    if (dag == 0) return full.mid(11);                    // day zero: the time alone
+    if (dag * SekPerDag == sek_) return full.left(10);  // midnight: the date alone
+    return full;
 }
 
 Dato Dato::fraGenerellTekst(const QString& tekst)

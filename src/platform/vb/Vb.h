@@ -76,8 +76,10 @@ public:
     // of the text; the characters between the digit pairs are not looked at. nullopt for a
     // shorter text, a non-digit in a digit's place or no valid date and time of day.
     static std::optional<Dato> fraFastePlasser(std::string_view tekst);
-    // The general date-time text: "dd.MM.yyyy HH:mm:ss", the date alone at midnight,
-    // the time alone on day zero. Also the format of SnuPunkter.txt.
+    // "dd.MM.yyyy HH:mm:ss", always with both parts.
+    QString fullTekst() const;
+    // The general date-time text: fullTekst, but the date alone at midnight and the time alone
+    // on day zero. Also the format of SnuPunkter.txt.
     QString generellTekst() const;
     // Reads what generellTekst writes; Feil("Type mismatch") for anything else.
     static Dato fraGenerellTekst(const QString& tekst);
