@@ -86,6 +86,8 @@ TEST(Datoer, TekstOgNokler)
     EXPECT_EQ(d.iso(), QStringLiteral("2012-11-23 14:05:31"));
     EXPECT_EQ(d.generellTekst(), QStringLiteral("23.11.2012 14:05:31"));
     EXPECT_EQ(Dato().generellTekst(), QStringLiteral("00:00:00"));
+    EXPECT_EQ(Dato::fra(2012, 11, 23).generellTekst(), QStringLiteral("23.11.2012"));
+    EXPECT_EQ(Dato::fra(2012, 11, 23).fullTekst(), QStringLiteral("23.11.2012 00:00:00"));
     EXPECT_EQ(Dato().tidsnokkel(), QStringLiteral("18991230000000"));
     for (const Dato& x : {d, Dato::fra(2012, 11, 23), Dato(), Dato::fra(2000, 2, 29, 23, 59, 59)})
         EXPECT_EQ(Dato::fraGenerellTekst(x.generellTekst()), x);
