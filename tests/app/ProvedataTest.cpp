@@ -58,8 +58,7 @@ class Provedata : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({u"Mal_*"_s}))
-            ASSERT_TRUE(QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) << mal;
+        mappe.kopierMaler();
         const QString radata = mappe.sti(u"radata.csv"_s);
         QProcess generator;
         generator.start(QStringLiteral(TOLVIK_LAG_RADATA),
@@ -73,12 +72,7 @@ protected:
         ASSERT_TRUE(dataStart.isValid());
     }
 
-    test::Kjoring batch(const QStringList& argumenter)
-    {
-        const test::Kjoring k = test::batch(QStringList{u"--folder"_s, mappe.mappe()} + argumenter);
-        EXPECT_EQ(k.status, 0) << argumenter.join(' ') << k.ut << k.feil;
-        return k;
-    }
+    test::Kjoring batch(const QStringList& argumenter) { return mappe.batch(argumenter, true); }
 
     // The quick start in one mode and what it must give.
     void hurtigstart(const Modus& modus)

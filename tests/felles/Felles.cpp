@@ -1,6 +1,7 @@
 #include "felles/Felles.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -15,6 +16,13 @@ Programmappe::Programmappe() : mappe_(dir_.path())
     }
 }
 
+void Programmappe::kopierMaler() const
+{
+    for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))
+        if (!QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, sti(mal)))
+            ADD_FAILURE() << "kan ikke kopiere " << mal.toStdString();
+}
+
 void Programmappe::skriv(const QString& navn, const QByteArray& innhold) const
 {
     QFile f(sti(navn));
@@ -26,6 +34,15 @@ QByteArray Programmappe::les(const QString& navn) const
 {
     QFile f(sti(navn));
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+Kjoring Programmappe::batch(const QStringList& argumenter, bool ok) const
+{
+    const Kjoring k = test::batch(QStringList{QStringLiteral("--folder"), mappe_} + argumenter);
+    if (ok && k.status != 0)
+        ADD_FAILURE() << argumenter.join(' ').toStdString() << ": status " << k.status << "\n"
+                      << k.ut.toStdString() << k.feil.toStdString();
+    return k;
 }
 
 Kjoring batch(const QStringList& argumenter)

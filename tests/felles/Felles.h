@@ -7,26 +7,31 @@
 
 namespace test {
 
+struct Kjoring {
+    int status = -1;
+    QString ut;
+    QString feil;
+};
+
 // A temporary program folder holding Template.mdb and a fresh Data.mdb copied from the build.
 class Programmappe {
 public:
     Programmappe();
+    // The built workbook templates (Mal_*) copied in.
+    void kopierMaler() const;
     QString sti(const QString& navn) const { return dir_.path() + QLatin1Char('/') + navn; }
     const QString& mappe() const { return mappe_; }
     // Writes a file with exactly these bytes.
     void skriv(const QString& navn, const QByteArray& innhold) const;
     QByteArray les(const QString& navn) const;
+    // tolvik-batch on this folder; with ok set, any status but 0 fails the test.
+    Kjoring batch(const QStringList& argumenter, bool ok = false) const;
 
 private:
     QTemporaryDir dir_;
     QString mappe_;
 };
 
-struct Kjoring {
-    int status = -1;
-    QString ut;
-    QString feil;
-};
 // The exit status the test environment gives the sanitizers' reports.
 constexpr int Sanitizerstatus = TOLVIK_SANITIZERSTATUS;
 // Runs the built tolvik-batch with these arguments; a run that hangs, crashes or ends with a

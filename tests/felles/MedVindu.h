@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QFile>
+#include <QLabel>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -46,6 +47,13 @@ protected:
         f = std::make_unique<app::Form1>(mappe.mappe(), dialogs);
         return *f;
     }
+    // A control of the window by its name.
+    template <typename T = QWidget>
+    T* kontroll(const char* navn) const
+    {
+        return f->findChild<T*>(QLatin1String(navn));
+    }
+    QString label4() const { return kontroll<QLabel>("Label4")->text(); }
     void svar(auto... s) { (dialogs.svar(dialogs::SkriptDialogs::Svaret(s)), ...); }
     // The cycle settings: number of cycles, start minutes, interval.
     QStringList bokser() const

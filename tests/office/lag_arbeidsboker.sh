@@ -5,7 +5,8 @@
 # with the area summary. Each set lives in UT/<set>/ as a program folder of its own.
 #   lag_arbeidsboker.sh BUILD UT [SET...]     (the sets original, titler, libreoffice; default all three)
 # With LO_MALER=DIR the set libreoffice takes the re-saved templates found in DIR (the others as
-# built) instead of running LibreOffice.
+# built) instead of running LibreOffice. Sets named in BARE_ENKEL (blank-separated) get the
+# single-cycle workbooks only.
 set -euo pipefail
 BUILD=$(realpath "$1")
 UT=$(realpath -m "$2")
@@ -55,6 +56,7 @@ for sett in "${SETT[@]}"; do
   batch "$sett" import "$UT/radata_2s.csv"
   batch "$sett" --adsorption find-cycles --start 50 --apply
   batch "$sett" "${innst[@]}" --adsorption export-single --prefix Enkel
+  [[ " ${BARE_ENKEL:-} " != *" $sett "* ]] || continue
   batch "$sett" "${innst[@]}" --adsorption export-combined --prefix Ads
   mv "$UT/$sett/Data_Bearbeidet/Ads_Samlefil.xlsm" "$UT/$sett/Data_Bearbeidet/Ads_Samlefil_ads.xlsm"
   batch "$sett" --desorption find-cycles --start 50 --apply
