@@ -6,9 +6,8 @@
 // or largest value land at either end of a plateau, or whose heating lies elsewhere than where
 // the desorption zero point is looked for, fail here.
 #include "analysis/Syklusvinduer.h"
-#include "app/Form1.h"
-#include "felles/Eksportmappe.h"
-#include "platform/dialogs/SkriptDialogs.h"
+#include "felles/MedVindu.h"
+#include "platform/xlsx/Arbeidsbok.h"
 
 #include <QProcess>
 #include <algorithm>
@@ -32,14 +31,15 @@ double fase(const QDateTime& dataStart, const QDateTime& t)
     return std::fmod(dataStart.secsTo(t) / 60.0 - Oppstart, SyklusMin);
 }
 
-// The values of one column of the combined workbook's first sheet, from row 2 down.
-std::vector<double> kolonne(const test::Bok& bok, char bokstav)
+// The values of one column (from 1) of a workbook's first sheet, from row 2 down to the first
+// cell without a number.
+std::vector<double> kolonne(xlsx::Arbeidsbok& bok, int k)
 {
     std::vector<double> verdier;
     for (int rad = 2;; ++rad) {
-        const QJsonValue v = bok[QLatin1Char(bokstav) + QString::number(rad)];
-        if (!v.isDouble()) return verdier;
-        verdier.push_back(v.toDouble());
+        const xlsx::Verdi v = bok.ark(1).celle(rad, k);
+        if (!std::holds_alternative<double>(v)) return verdier;
+        verdier.push_back(std::get<double>(v));
     }
 }
 
@@ -98,12 +98,11 @@ protected:
         // pressure surge, so the drop onto the plateau comes at the same row in every column;
         // with Desorpsjon ten minutes before the desorption peak, so the peaks share a row.
         batch({modus.valg, "export-combined", "--prefix", modus.prefiks});
-        const test::Bok samle =
-            test::lesArbeidsbok(mappe.sti(u"Data_Bearbeidet/%1_Samlefil.xlsm"_s.arg(modus.prefiks)));
+        const auto samle = xlsx::apne(mappe.sti(u"Data_Bearbeidet/%1_Samlefil.xlsm"_s.arg(modus.prefiks)));
         std::vector<long> merker;
-        for (int k = 0; k < Sykluser; ++k) {
-            merker.push_back(merke(kolonne(samle, static_cast<char>('C' + k)), modus.valg == u"--adsorption"_s));
-            EXPECT_GE(merker.back(), 0) << "syklus " << k + 1;
+        for (int k = 1; k <= Sykluser; ++k) {
+            merker.push_back(merke(kolonne(*samle, 2 + k), modus.valg == u"--adsorption"_s));
+            EXPECT_GE(merker.back(), 0) << "syklus " << k;
         }
         const auto [forst, sist] = std::minmax_element(merker.begin(), merker.end());
         EXPECT_LE(*sist - *forst, RaderPaTo) << "rader " << merker[0] << ", " << merker[1] << ", " << merker[2];
@@ -134,12 +133,11 @@ protected:
 
         // The CO2 areas, 25 minutes before to 25 after each turning point.
         batch({modus.valg, "integrate", "--prefix", modus.prefiks});
-        const test::Bok arealer = test::lesArbeidsbok(
-            mappe.sti(u"Data_Bearbeidet/%1_Samlefil_%2.xlsx"_s.arg(modus.prefiks).arg(Sykluser)), true);
-        for (int k = 1; k <= Sykluser; ++k) {
-            const QJsonValue a = arealer[u"B%1"_s.arg(k + 1)];
-            EXPECT_TRUE(a.isDouble() && a.toDouble() > 0.0) << "syklus " << k << ": " << a.toVariant().toString();
-        }
+        const auto arealer =
+            xlsx::apne(mappe.sti(u"Data_Bearbeidet/%1_Samlefil_%2.xlsx"_s.arg(modus.prefiks).arg(Sykluser)));
+        const std::vector<double> a = kolonne(*arealer, 2);
+        ASSERT_EQ(a.size(), size_t{Sykluser});
+        for (int k = 0; k < Sykluser; ++k) EXPECT_GT(a[k], 0.0) << "syklus " << k + 1;
     }
 
     test::Programmappe mappe;

@@ -253,7 +253,7 @@ TEST_F(Import, DatabaseSomIkkeKanErstattesGirMelding)
     EXPECT_TRUE(QFileInfo(mappe.sti(u"Data.mdb/opptatt"_s)).isDir());
 }
 
-TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
+TEST(ImportBatch, ImportererSvarerNeiOgSkadetDatabaseErstattes)
 {
     test::Programmappe p;
     auto kjor = [&](const QStringList& args) { return p.batch(args); };
@@ -277,31 +277,14 @@ TEST(ImportBatch, ImportererSvarerNeiOgEksempleneGarHeltInn)
                 k.ut.contains(u"Importer rådatafila på nytt."_s))
         << k.ut;
     EXPECT_EQ(kjor({"import", fil}).status, 0);
-    // The shipped example files import completely: the question and the count only.
-    const QStringList eksempler = QDir(QStringLiteral(TOLVIK_KILDE "/examples")).entryList({"*.csv"}, QDir::Files);
-    ASSERT_EQ(eksempler.size(), 2);
-    for (const QString& navn : eksempler) {
-        QFile::remove(p.sti(u"Kolonner.txt"_s));
-        k = kjor({"import", QStringLiteral(TOLVIK_KILDE "/examples/") + navn});
-        EXPECT_EQ(k.status, 0) << navn;
-        EXPECT_EQ(k.ut.count(u"\n\n"_s), 2) << k.ut;
-        EXPECT_TRUE(p.les(u"Kolonner.txt"_s).contains("CO2                    [F]"));
-        // Many stretches of the reader: every line counted, every line after the header stored.
-        const auto tall = QRegularExpression(u"består av (.*?) linjer.*importert: (.*?)\n"_s,
-                                             QRegularExpression::DotMatchesEverythingOption)
-                              .match(k.ut);
-        const int linjer = tall.captured(1).remove(' ').toInt();
-        EXPECT_EQ(tall.captured(2).remove(' ').toInt(), linjer) << k.ut;
-        EXPECT_TRUE(kjor({"status"}).ut.startsWith(u"Tolvik - "_s + vb::antallTekst(linjer - 1) + u" poster"_s));
-        // Keyed as the password opens it in any SQLCipher program: the sqlcipher shell counts the rows.
-        if (QStandardPaths::findExecutable(u"sqlcipher"_s).isEmpty()) GTEST_SKIP() << "sqlcipher-skallet mangler";
-        QProcess skall;
-        skall.start(u"sqlcipher"_s, {p.sti(u"Data.mdb"_s)});
-        skall.write("PRAGMA key = 'tesko4NR'; PRAGMA cipher_page_size = 4096; SELECT count(*) FROM DataLinjer;\n");
-        skall.closeWriteChannel();
-        skall.waitForFinished();
-        EXPECT_EQ(skall.readAllStandardOutput().trimmed().toInt(), linjer - 1) << navn;
-    }
+    // Keyed as the password opens it in any SQLCipher program: the sqlcipher shell counts the rows.
+    if (QStandardPaths::findExecutable(u"sqlcipher"_s).isEmpty()) GTEST_SKIP() << "sqlcipher-skallet mangler";
+    QProcess skall;
+    skall.start(u"sqlcipher"_s, {p.sti(u"Data.mdb"_s)});
+    skall.write("PRAGMA key = 'tesko4NR'; PRAGMA cipher_page_size = 4096; SELECT count(*) FROM DataLinjer;\n");
+    skall.closeWriteChannel();
+    skall.waitForFinished();
+    EXPECT_EQ(skall.readAllStandardOutput().trimmed(), "1");
 }
 
 }  // namespace
