@@ -3,6 +3,7 @@
 #include "felles/Felles.h"
 #include "platform/db/Database.h"
 #include "platform/db/JetDialekt.h"
+#include "store/Maledata.h"
 
 #include <gtest/gtest.h>
 
@@ -33,16 +34,20 @@ protected:
 // Seconds after 23.11.2012 10:00:00.
 vb::Dato kl(int sek) { return vb::Dato::fra(2012, 11, 23, 10, sek / 60, sek % 60); }
 
-TEST_F(Setninger, DagForstOgUmuligDato)
+TEST_F(Setninger, DagForstUmuligDatoOgVerdiPerBokstav)
 {
-    rad("23/11/2012 14:05:31", QStringLiteral("1.5, 2"), QStringLiteral("C, D"));
+    rad("23/11/2012 14:05:31", QStringLiteral("0.1, 2, 3, 4, 5, 6, 7"), QStringLiteral("C, D, E, F, G, H, I"));
     rad("01/02/2013 00:00:00", QStringLiteral(" 1.5E-03"));
     EXPECT_THROW(rad("30/02/2012 10:00:00", QStringLiteral("1")), db::DbFeil);
     EXPECT_THROW(rad("01/13/2012 10:00:00", QStringLiteral("1")), db::DbFeil);
     auto p = db.spor(QStringLiteral("Select * from dataLinjer"));
     EXPECT_EQ(p.dato("DatoTid"), vb::Dato::fra(2012, 11, 23, 14, 5, 31));
-    EXPECT_TRUE(p.erNull("E"));
+    EXPECT_TRUE(p.erNull("J"));
+    // A measured value by its column letter: C to H only, in capitals; an empty field gives 0.
+    const std::pair<const char*, float> verdier[] = {{"C", 0.1f}, {"H", 6}, {"I", 0}, {"c", 0}, {"", 0}};
+    for (const auto& [K, v] : verdier) EXPECT_EQ(store::HentVerdi(QString::fromLatin1(K), p), v) << K;
     p.moveNext();
+    EXPECT_EQ(store::HentVerdi(QStringLiteral("D"), p), 0.0f);
     EXPECT_EQ(p.dato("DatoTid"), vb::Dato::fra(2013, 2, 1));
     EXPECT_DOUBLE_EQ(p.tall("C"), 0.0015);
     EXPECT_EQ(store::antallRader(db), 2);
