@@ -1,5 +1,5 @@
-// Test helpers for workbook files: packages written and read entry by entry, the
-// hand-made workbook in handlaget/, cell values, and what openpyxl reads from a saved file.
+// Test helpers for workbook files: packages written and read entry by entry, the data files
+// beside the tests, cell values, and what openpyxl reads from a saved file.
 #pragma once
 
 #include "platform/xlsx/Arbeidsbok.h"
@@ -83,12 +83,13 @@ inline std::map<std::string, Oppforing> lesZip(const QString& sti)
     return ut;
 }
 
-// A part of the hand-made workbook in handlaget/, as stored there.
-inline std::string handlagetDel(const std::string& navn)
+// A data file beside these tests, as stored there: a part of the hand-made workbook in handlaget/,
+// a part to read in inn/, or the known-good XML a change writes in gold/.
+inline std::string data(const std::string& navn)
 {
-    QFile f(QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/handlaget/") + QString::fromStdString(navn));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << navn;
-    return f.readAll().toStdString();
+    const QString sti = QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/") + QString::fromStdString(navn);
+    EXPECT_TRUE(QFile::exists(sti)) << navn;
+    return filinnhold(sti).toStdString();
 }
 
 // The workbook a spreadsheet application would write, parts in the order it writes them:
@@ -103,7 +104,7 @@ inline Deler handlagetBok()
           "xl/worksheets/sheet1.xml", "xl/worksheets/sheet2.xml", "xl/worksheets/_rels/sheet2.xml.rels",
           "xl/drawings/drawing1.xml", "xl/drawings/_rels/drawing1.xml.rels", "xl/charts/chart1.xml",
           "xl/charts/chart2.xml", "xl/charts/chart3.xml", "xl/sharedStrings.xml", "xl/styles.xml", "xl/calcChain.xml"})
-        ut.emplace_back(navn, handlagetDel(navn));
+        ut.emplace_back(navn, data(std::string("handlaget/") + navn));
     std::string vba(3000, '\0');
     for (size_t i = 0; i < vba.size(); ++i) vba[i] = static_cast<char>((i * 7919) % 251);
     ut.emplace_back("xl/vbaProject.bin", vba);
