@@ -61,23 +61,12 @@ TEST(Formel, Tallverdier)
     Celler c = ark();
     // Powers left to right, the sign before the power; corners in any order, text and empty cells left out;
     // text compares without case, an empty cell equals "" and 0; the branch not taken is not computed.
-    const std::pair<const char*, double> tilfeller[] = {{"=1+2*3", 7},
-                                                        {"2^3^2", 64},
-                                                        {"-2^2", 4},
-                                                        {"10-4-3", 3},
-                                                        {"50%", 0.5},
-                                                        {"=SUM(G57:G3)", 7},
-                                                        {"=AVERAGE(G3:G57)", 7.0 / 3},
-                                                        {"=MIN(G3:G57,0.5)", 0.5},
-                                                        {"=max($G$3:G4, 3)", 3},
-                                                        {"=A1+1", 1},
-                                                        {"=IF(H1=\"ABC\",1,0)", 1},
-                                                        {"=IF(A3=0,1,0)", 1},
-                                                        {"=IF(A3=\"\",1,0)", 1},
-                                                        {"=IF(H1<>G4,1,0)", 1},
-                                                        {"=IF(G4>1,5,1/0)", 5},
-                                                        {"=VALUE(MID(H2,1,4))", 2012},
-                                                        {"=DATE(2012,13,1)", 41275}};
+    const std::pair<const char*, double> tilfeller[] = {
+        {"=1+2*3", 7}, {"2^3^2", 64}, {"-2^2", 4}, {"10-4-3", 3}, {"50%", 0.5}, {"=SUM(G57:G3)", 7},
+        {"=AVERAGE(G3:G57)", 7.0 / 3}, {"=MIN(G3:G57,0.5)", 0.5}, {"=max($G$3:G4, 3)", 3}, {"=A1+1", 1},
+        {"=IF(H1=\"ABC\",1,0)", 1}, {"=IF(A3=0,1,0)", 1}, {"=IF(A3=\"\",1,0)", 1}, {"=IF(H1<>G4,1,0)", 1},
+        {"=IF(G4>=2,1,0)", 1}, {"=IF(G4<=1,1,0)", 0}, {"=IF(G4>1,5,1/0)", 5}, {"=VALUE(MID(H2,1,4))", 2012},
+        {"=DATE(2012,13,1)", 41275}};
     for (auto& [formel, svar] : tilfeller) EXPECT_DOUBLE_EQ(c.x(formel), svar) << formel;
     EXPECT_NEAR(c.x("=(DATE(2012,11,24)+TIME(0,0,15)-(DATE(2012,11,23)+TIME(23,59,30)))*1440"), 0.75, 1e-8);
     EXPECT_EQ(c.i("=IF(G4>5,1)").art, Resultat::Logisk);
@@ -92,16 +81,11 @@ TEST(Formel, TeksterOgFeil)
         const char* tekst;
         bool usikker;
     } tilfeller[] = {
-        {"=MID(H2,13,8)", "23:59:30", false},
-        {"=MID(\"CO₂-nivå\",3,5)", "₂-niv", false},
-        {"1/0", "#DIV/0!", false},
-        {"=AVERAGE(A1:A5)", "#DIV/0!", false},
-        {"(1+", "#NAME?", true},
-        {"=G5+1", "#VALUE!", false} /* text in arithmetic */,
-        {"=IF(A3=\"\",NA(),1)", "#N/A", false},
-        {"=Ark2!A1", nullptr, true},
-        {"=FINNESIKKE(1)", nullptr, true},
-    };
+        {"=MID(H2,13,8)", "23:59:30", false}, {"=MID(\"CO₂-nivå\",3,5)", "₂-niv", false}, {"1/0", "#DIV/0!", false},
+        {"=AVERAGE(A1:A5)", "#DIV/0!", false}, {"=G5+1", "#VALUE!", false} /* text in arithmetic */,
+        {"=IF(A3=\"\",NA(),1)", "#N/A", false}, {"=Ark2!A1", nullptr, true}, {"=FINNESIKKE(1)", nullptr, true},
+        // An unfinished formula is read to its end and no further.
+        {"(1+", "#NAME?", true}, {"=(", "#NAME?", true}, {"SUM((1,", "#NAME?", true}};
     for (auto& t : tilfeller) {
         SCOPED_TRACE(t.formel);
         Resultat v = c.i(t.formel);
@@ -162,7 +146,4 @@ TEST(Formel, LangeOgDypeFormler)
         EXPECT_STREQ(e.what(), "Formelen i Z99 har parenteser eller funksjoner nestet i mer enn 100 nivåer");
     }
     EXPECT_THROW(c.i(("SUM(" + nestet(100) + ")").c_str()), xlsx::XlsxFeil);
-    // An unfinished formula is read to its end and no further.
-    EXPECT_EQ(c.i("=(").tekst, "#NAME?");
-    EXPECT_EQ(c.i("SUM((1,").tekst, "#NAME?");
 }
