@@ -97,7 +97,9 @@ TEST(Formel, TeksterOgFeil)
 
 TEST(Formel, TekstForm)
 {
+    // Names in capitals; a blank stays only between two operands, where it is the intersection.
     EXPECT_EQ(normaliser("=IF(a1=\"x y\",1,0)"), "IF(A1=\"x y\",1,0)");
+    EXPECT_EQ(normaliser("= sum(a1:b2 b2:c3) + 1 x \"s\""), "SUM(A1:B2 B2:C3)+1 X \"s\"");
     EXPECT_EQ(flytt("B2*2+$C$1+C$1+$C1", 2, 1), "C4*2+$C$1+D$1+$C3");
     EXPECT_EQ(flytt("A1", -1, 0), "#REF!");
     int r = 0, k = 0;
