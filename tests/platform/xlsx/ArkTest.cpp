@@ -62,6 +62,7 @@ TEST(Ark, LesteCellerSkrivesSomDeStod)
         (V{QStringLiteral("Ark"), 1.0, QStringLiteral("#N/A"), QStringLiteral("Rik tekst"), 3.5, QStringLiteral("Ark!"),
            QStringLiteral("3.5!")}));
     a.tomCelle(2, 2);
+    a.settFormel(QStringLiteral("E2"), QStringLiteral("=B1"));  // a logical cell's value is a certain one
     EXPECT_EQ(a.skriv(), test::data("gold/leste.xml"));
     // The same XML read again comes from the copy kept at the first reading: as it stood, not
     // as changed above; the changed sheet's own XML reads as changed.

@@ -105,7 +105,9 @@ TEST(Formel, TekstForm)
     int r = 0, k = 0;
     EXPECT_TRUE(lesAdresse("$AB$12", r, k));
     EXPECT_EQ(std::pair(r, k), std::pair(12, 28));
-    EXPECT_FALSE(lesAdresse("A0", r, k) || lesAdresse("B2:C3", r, k));
+    EXPECT_TRUE(lesAdresse(" XFD1048576 ", r, k));  // the last cell of a sheet
+    for (const char* galt : {"A0", "B2:C3", "XFE1", "A1048577", "ABCD1", "1A", "$"})
+        EXPECT_FALSE(lesAdresse(galt, r, k)) << galt;
     std::string ut;
     leggTilAdresse(ut, 1048576, 16384);
     leggTilAdresse(ut, 7, 27, true, true);
