@@ -26,7 +26,7 @@ const std::string ns = "xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/
 TEST(Ark, CellerAvHverArtSomXml)
 {
     EttArk bok;
-    bok.xml = test::data("inn/celler.xml");  // row 5: a styled cell and a plain one
+    bok.xml = test::data("inn/celler.xml");  // row 5: plain cells and cells with a style or other attributes
     Ark a(bok, "xl/worksheets/sheet1.xml");
     a.settCelle(1, 1, 230.5);
     a.settCelle(1, 2, QStringLiteral(" <CO₂ & \"ø\">"));
@@ -44,7 +44,7 @@ TEST(Ark, CellerAvHverArtSomXml)
     a.settFormel(QStringLiteral("E2"), QStringLiteral("=E3+1"));  // a circle: never a cached value
     a.settFormel(QStringLiteral("E3"), QStringLiteral("=E2+1"));
     a.settFormel(QStringLiteral("F2"), QStringLiteral("=A2>0"));
-    a.tomRad(5);  // the styled cell stays, empty
+    a.tomRad(5);  // the cells with a style (even 0) or other attributes stay, empty
     EXPECT_EQ(a.skriv(), test::data("gold/celler.xml"));
 }
 
