@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -96,7 +97,8 @@ inline std::string data(const std::string& navn)
 // shared strings (one of them rich text), styles, a calculation chain, a shared formula,
 // a VBA part, and on sheet 2 a picture followed by a line chart with a rich title, a
 // scatter chart without a title and a bar chart whose title is a cell reference.
-inline Deler handlagetBok()
+// The given parts replace those of their names, or are added at the end.
+inline Deler handlagetBok(const Deler& endret = {})
 {
     Deler ut;
     for (const char* navn :
@@ -108,6 +110,11 @@ inline Deler handlagetBok()
     std::string vba(3000, '\0');
     for (size_t i = 0; i < vba.size(); ++i) vba[i] = static_cast<char>((i * 7919) % 251);
     ut.emplace_back("xl/vbaProject.bin", vba);
+    for (const auto& del : endret) {
+        auto it = std::find_if(ut.begin(), ut.end(), [&](const auto& d) { return d.first == del.first; });
+        if (it == ut.end()) ut.push_back(del);
+        else it->second = del.second;
+    }
     return ut;
 }
 
