@@ -16,9 +16,9 @@ QString tid(int sekunder) { return test::tidTekst(12 * 3600 + sekunder); }
 
 }  // namespace
 
-// The templates as the export commands fill them are the export tests'; here the cached values of the
-// cycle template's formulas as another reader sees them.
-TEST(Maler, SyklusmalenRegnerMinutterOgFlytterAksene)
+// The templates as the export commands fill them, their charts' titles and axes among it, are the export
+// tests'; here the cached values of the cycle template's formulas as another reader sees them.
+TEST(Maler, SyklusmalenRegnerMinutter)
 {
     QTemporaryDir dir;
     auto bok = apne(mal("Mal_Sykluser.xlsx"));
@@ -30,17 +30,8 @@ TEST(Maler, SyklusmalenRegnerMinutterOgFlytterAksene)
         data.settCelle(2 + i, 1, tid(sek[i]));
         for (int k = 3; k <= 11; ++k) data.settCelle(2 + i, k, 1e-10 * k + i * 1e-12);
     }
-    Arbeidsark& grafer = bok->ark(2);
-    for (int nr : {1, 2}) {
-        EXPECT_FALSE(grafer.diagram(nr).tittel().isEmpty()) << nr;
-        grafer.diagram(nr).settKategoriMinimum(230);
-    }
-    grafer.diagram(1).settTittel(QStringLiteral("Forsøk 7"));
-    grafer.diagram(2).settTittel(grafer.diagram(1).tittel());
     const QString ut = dir.filePath(QStringLiteral("Forsok_1.xlsx"));
     bok->lagreSom(ut);
-    EXPECT_EQ(apne(ut)->ark(2).diagram(2).tittel(), QStringLiteral("Forsøk 7"));
-    EXPECT_TRUE(test::har(test::lesZip(ut)["xl/charts/chart2.xml"].innhold, "<c:min val=\"230\"/>"));
     // Minutes from the zero point; a row without time gives #N/A, left out of the charts. B3 is read
     // through the shared formula the column became.
     QJsonArray lest = test::openpyxl(ut, {"A1", "B1", "O1", "A2", "B2", "B4", "B5", "C4", "K5", "B6", "L2", "=B3"});
