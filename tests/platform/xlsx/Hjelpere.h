@@ -39,7 +39,8 @@ inline ::testing::AssertionResult har(const std::string& xml, const std::string&
 
 using Deler = std::vector<std::pair<std::string, std::string>>;
 
-// Writes the entries in this order; .bin parts are stored without compression.
+// Writes the entries in this order; .bin parts are stored without compression, the others with the
+// fastest deflate (the large parts of the hostile workbooks are written in a fraction of the time).
 inline void skrivZip(const QString& sti, const Deler& deler)
 {
     int feil = 0;
@@ -50,7 +51,7 @@ inline void skrivZip(const QString& sti, const Deler& deler)
             zip_file_add(z, navn.c_str(), zip_source_buffer(z, innhold.data(), innhold.size(), 0), ZIP_FL_ENC_UTF_8);
         ASSERT_GE(i, 0) << navn;
         zip_set_file_compression(z, static_cast<zip_uint64_t>(i),
-                                 navn.ends_with(".bin") ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 9);
+                                 navn.ends_with(".bin") ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 1);
     }
     ASSERT_EQ(zip_close(z), 0);
 }
