@@ -3,8 +3,8 @@
 #include "felles/Felles.h"
 
 #include <QStringList>
-#include <numeric>
 #include <gtest/gtest.h>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 

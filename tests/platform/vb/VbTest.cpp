@@ -27,20 +27,27 @@ TEST(Tall, ValSomLagret)
 {
     const std::string mange9 = "0.000" + std::string(400, '9');
     const std::pair<std::string, double> tilfeller[] = {
-        {".5", 0.5}, {"inf", 0}, {"7E", 7}, {"abc", 0}, {"1\t0\r\n", 10},
+        {".5", 0.5},
+        {"inf", 0},
+        {"7E", 7},
+        {"abc", 0},
+        {"1\t0\r\n", 10},
         // At most 15 significant digits, as an insert statement carries the number.
-        {"0.12345678901234567", 0.123456789012346}, {"-1.2345E-10", -1.2345e-10},
+        {"0.12345678901234567", 0.123456789012346},
+        {"-1.2345E-10", -1.2345e-10},
         {"123456789012345678", 123456789012346000.0},
         // The whole field is read, however long, up to the largest double.
-        {"1" + std::string(100, '0'), 1e100}, {" 1 " + std::string(80, '0') + "E-80", 1},
-        {"1.7976931348623157E+308", 1.7976931348623157e308}, {mange9 + "E+310", 1e307}};
+        {"1" + std::string(100, '0'), 1e100},
+        {" 1 " + std::string(80, '0') + "E-80", 1},
+        {"1.7976931348623157E+308", 1.7976931348623157e308},
+        {mange9 + "E+310", 1e307}};
     for (const auto& [felt, ventet] : tilfeller) EXPECT_EQ(valLagret(felt), ventet) << felt;
     // Past the double range: too large refused, too small 0; every digit of the exponent counts.
     for (const std::string& felt : {std::string("1E999"), mange9 + "E+312", "1" + std::string(400, '0') + "E+"})
         EXPECT_THROW(valLagret(felt), Feil) << felt;
-    for (const std::string& felt : {std::string("1E-400"), std::string("-0.0000000001E-390"),
-                                    "1" + std::string(20, '0') + "E-420", "1" + std::string(30, '0') + "E-400",
-                                    "1" + std::string(35, '0') + "E-390"}) {
+    for (const std::string& felt :
+         {std::string("1E-400"), std::string("-0.0000000001E-390"), "1" + std::string(20, '0') + "E-420",
+          "1" + std::string(30, '0') + "E-400", "1" + std::string(35, '0') + "E-390"}) {
         bool forLite = false;
         EXPECT_EQ(valLagret(felt, &forLite), 0) << felt;
         EXPECT_TRUE(forLite) << felt;
@@ -49,8 +56,8 @@ TEST(Tall, ValSomLagret)
 
 TEST(Tekster, AntallOgTall)
 {
-    for (auto [antall, ventet] : {std::pair{0, "  "}, {5, "  5"}, {1001, " 1 001"}, {123456, " 123 456"},
-                                  {1234567, "1 234 567"}})
+    for (auto [antall, ventet] :
+         {std::pair{0, "  "}, {5, "  5"}, {1001, " 1 001"}, {123456, " 123 456"}, {1234567, "1 234 567"}})
         EXPECT_EQ(antallTekst(antall), QString::fromLatin1(ventet)) << antall;
     EXPECT_EQ(tekst(1.5f), QStringLiteral("1,5"));
     EXPECT_EQ(tekst(1.234e-10f), QStringLiteral("1,234E-10"));

@@ -9,12 +9,6 @@ using V = std::vector<Verdi>;
 
 namespace {
 
-// The titles of the three charts; the picture before them is no chart object.
-QStringList titler(Arbeidsark& ark)
-{
-    return {ark.diagram(1).tittel(), ark.diagram(2).tittel(), ark.diagram(3).tittel()};
-}
-
 class HandlagetBok : public ::testing::Test {
 protected:
     void SetUp() override { test::skrivZip(kilde, test::handlagetBok()); }
@@ -70,18 +64,26 @@ TEST_F(HandlagetBok, FormlerFaarVerdiOgBeregningskjedenForsvinner)
     EXPECT_EQ(til["xl/workbook.xml"].innhold, test::data("gold/workbook_uten_calcpr.xml"));
 }
 
+// The charts in the drawing's order, the picture before them no chart object: titles as read, and the chart
+// parts a change writes, compared whole with gold/. A rich title keeps the formatting of its first paragraph
+// and run (chart 1); a title from a cell becomes text (chart 3). Each axis is found by its id; the minimum
+// goes after orientation and max, before extLst, and replaces one there was. Line chart: the category axis;
+// scatter (chart 2): the value axis at the bottom.
 TEST_F(HandlagetBok, DiagramobjekterITegningensRekkefolge)
 {
-    {
-        auto bok = apne(kilde);
-        Arbeidsark& grafer = bok->ark(2);
-        EXPECT_EQ(titler(grafer), (QStringList{QStringLiteral("Første del"), QString(), QStringLiteral("Fra celle")}));
-        grafer.diagram(2).settTittel(QStringLiteral("Ny"));
-        grafer.diagram(3).settTittel(grafer.diagram(1).tittel());
-        bok->lagreSom(ut);
-    }
-    EXPECT_EQ(titler(apne(ut)->ark(2)),
-              (QStringList{QStringLiteral("Første del"), QStringLiteral("Ny"), QStringLiteral("Første del")}));
+    auto bok = apne(kilde);
+    Arbeidsark& grafer = bok->ark(2);
+    EXPECT_EQ((QStringList{grafer.diagram(1).tittel(), grafer.diagram(2).tittel(), grafer.diagram(3).tittel()}),
+              (QStringList{QStringLiteral("Første del"), QString(), QStringLiteral("Fra celle")}));
+    grafer.diagram(1).settTittel(QStringLiteral("Syklus 3 & 4"));
+    grafer.diagram(3).settTittel(QStringLiteral("Ny"));
+    for (auto [nr, minimum] : {std::pair{1, 230.0}, {2, 12.5}, {3, 232.0}})
+        grafer.diagram(nr).settKategoriMinimum(minimum);
+    bok->lagreSom(ut);
+    auto til = test::lesZip(ut);
+    for (const std::string nr : {"1", "2", "3"})
+        EXPECT_EQ(til["xl/charts/chart" + nr + ".xml"].innhold, test::data("gold/handlaget_chart" + nr + ".xml")) << nr;
+    EXPECT_EQ(apne(ut)->ark(2).diagram(3).tittel(), QStringLiteral("Ny"));
 }
 
 TEST_F(HandlagetBok, FeilSomXlsxFeil)

@@ -77,8 +77,9 @@ TEST_F(FiendtligBok, ZipbomberOgLyvendeKatalog)
     EXPECT_EQ(avvisning(med("xl/worksheets/sheet1.xml", stor)),
               "Delen xl/worksheets/sheet1.xml er større enn 16 MB pakket ut");
     const std::string del(13 << 20, 'x');
-    test::skrivZip(fil, test::handlagetBok({{"xl/media/a.bin", del}, {"xl/media/b.bin", del}, {"xl/media/c.bin", del},
-                                            {"xl/media/d.bin", del}}));
+    test::skrivZip(
+        fil, test::handlagetBok(
+                 {{"xl/media/a.bin", del}, {"xl/media/b.bin", del}, {"xl/media/c.bin", del}, {"xl/media/d.bin", del}}));
     EXPECT_EQ(avvisning(fil), "Arbeidsboka er større enn 48 MB pakket ut");
     // Half a million cells and more are refused before they are read.
     std::string celler;

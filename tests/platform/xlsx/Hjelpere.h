@@ -113,8 +113,10 @@ inline Deler handlagetBok(const Deler& endret = {})
     ut.emplace_back("xl/vbaProject.bin", vba);
     for (const auto& del : endret) {
         auto it = std::find_if(ut.begin(), ut.end(), [&](const auto& d) { return d.first == del.first; });
-        if (it == ut.end()) ut.push_back(del);
-        else it->second = del.second;
+        if (it == ut.end())
+            ut.push_back(del);
+        else
+            it->second = del.second;
     }
     return ut;
 }
