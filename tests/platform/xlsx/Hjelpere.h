@@ -40,7 +40,7 @@ inline ::testing::AssertionResult har(const std::string& xml, const std::string&
 using Deler = std::vector<std::pair<std::string, std::string>>;
 
 // Writes the entries in this order; .bin parts are stored without compression, the others with the
-// fastest deflate (the large parts of the hostile workbooks are written in a fraction of the time).
+// fastest deflate (compressing the large parts of the hostile workbooks is much of their time).
 inline void skrivZip(const QString& sti, const Deler& deler)
 {
     int feil = 0;
