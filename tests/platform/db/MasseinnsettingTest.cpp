@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <gtest/gtest.h>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -35,16 +36,15 @@ TEST(Masseinnsetting, RaderMedTommeFeltIBunterOgRest)
     const int runder[][2] = {{2 * db::Masseinnsetting::Bunt + 7, 10}, {db::Masseinnsetting::Bunt + 7, 0}};
     QStringList ventet;
     for (const auto& [antall, bredde] : runder) {
-        std::vector<std::string> tider;
-        for (int r = 0; r < antall; ++r)
-            tider.push_back(QString::asprintf("2012-11-23 14:%02d:%02d", r / 60, r % 60).toStdString());
+        std::vector<std::string> tider(static_cast<size_t>(antall));  // the rows hold views of them
         std::vector<Rad> rader;
-        for (int r = 0; r < antall; ++r) {
-            const int n = (r + bredde) % 11;  // 0 to 10 numbers, in turn
-            rader.push_back({{tider[static_cast<size_t>(r)], r % 2 ? "tekst" : std::string_view()}, tall, n});
+        for (size_t r = 0; r < tider.size(); ++r) {
+            tider[r] = QString::asprintf("2012-11-23 14:%02zu:%02zu", r / 60, r % 60).toStdString();
+            const int n = static_cast<int>(r + bredde) % 11;  // 0 to 10 numbers, in turn
+            rader.push_back({{tider[r], r % 2 ? "tekst" : std::string_view()}, tall, n});
             QStringList v{r % 2 ? u"tekst"_s : u"-"_s};
             for (int i = 0; i < 10; ++i) v << (i < n ? QString::number(tall[i]) : u"-"_s);
-            ventet << QString::fromStdString(tider[static_cast<size_t>(r)]) + '|' + v.join(' ');
+            ventet << QString::fromStdString(tider[r]) + '|' + v.join(' ');
         }
         inn.settInn(rader);
     }
@@ -60,13 +60,9 @@ TEST(Masseinnsetting, AvvistSetningBeholderRadeneFoer)
         "CREATE TABLE Liten (ID INTEGER PRIMARY KEY, DatoTid TEXT, DatoTid_Tekst TEXT, C REAL CHECK (C < 60))");
     db::Masseinnsetting inn(d, "INSERT INTO Liten (DatoTid, C)", 1, 1);
     std::vector<double> c(70);
-    std::vector<Rad> rader;
-    for (size_t i = 0; i < c.size(); ++i) {
-        c[i] = static_cast<double>(i);
-        rader.push_back({{"2012-11-23 14:00:00"}, &c[i], 1});
-    }
+    std::iota(c.begin(), c.end(), 0.0);
     try {
-        inn.settInn(rader);
+        inn.settInn(c.size(), [&c](size_t i) { return Rad{{"2012-11-23 14:00:00"}, &c[i], 1}; });  // as the import does
         ADD_FAILURE() << "row 60 breaks the check";
     } catch (const db::DbFeil& e) {
         EXPECT_TRUE(QString::fromStdString(e.what()).startsWith(u"Databasen "_s + mappe.sti(u"Data.mdb"_s) +

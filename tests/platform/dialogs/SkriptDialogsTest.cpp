@@ -9,6 +9,7 @@ using Art = Sporsmal::Art;
 TEST(Sporsmal, KjennerIgjenTekstMedVerdierFyltInn)
 {
     const Sporsmal import{Art::JaNei, QStringLiteral("Fila %1 består av %2 linjer. Vil du starte importen?")};
+    const QString a = QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?");
     const struct {
         Art art;
         QString tekst, tittel;
@@ -16,12 +17,13 @@ TEST(Sporsmal, KjennerIgjenTekstMedVerdierFyltInn)
     } tilfeller[] = {
         {Art::JaNei, QStringLiteral("Fila C:\\a (1)+[x].csv består av  54 001 linjer. Vil du starte importen?"),
          ProgramTittel, true},
-        {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer.\nVil du starte importen?"), ProgramTittel, false},
         {Art::JaNei, QStringLiteral("Fila %1 består av 3 linjer. Vil du starte importen?"), ProgramTittel, true},
-        {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?"), QStringLiteral("Import"),
-         false},
-        {Art::Inndata, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen?"), ProgramTittel, false},
-        {Art::JaNei, QStringLiteral("Fila a.csv består av 3 linjer. Vil du starte importen? "), ProgramTittel, false},
+        {Art::JaNei, a, ProgramTittel, true},
+        // Only the values may differ: not the line breaks, the kind of box, the title or a character more.
+        {Art::JaNei, QString(a).replace(QStringLiteral(". "), QStringLiteral(".\n")), ProgramTittel, false},
+        {Art::Inndata, a, ProgramTittel, false},
+        {Art::JaNei, a, QStringLiteral("Import"), false},
+        {Art::JaNei, a + ' ', ProgramTittel, false},
     };
     for (const auto& t : tilfeller)
         EXPECT_EQ(import.stilles(t.art, t.tekst, t.tittel), t.stilles) << t.tekst.toStdString();

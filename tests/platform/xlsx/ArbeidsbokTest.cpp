@@ -9,20 +9,9 @@ using V = std::vector<Verdi>;
 
 namespace {
 
-// The titles of the three charts; the picture before them is no chart object.
-QStringList titler(Arbeidsark& ark)
-{
-    return {ark.diagram(1).tittel(), ark.diagram(2).tittel(), ark.diagram(3).tittel()};
-}
-
 class HandlagetBok : public ::testing::Test {
 protected:
     void SetUp() override { test::skrivZip(kilde, test::handlagetBok()); }
-    std::map<std::string, test::Oppforing> lagre(Arbeidsbok& bok)
-    {
-        bok.lagreSom(ut);
-        return test::lesZip(ut);
-    }
     QTemporaryDir dir;
     const QString kilde = dir.filePath(QStringLiteral("mal.xlsx"));
     const QString ut = dir.filePath(QStringLiteral("ut.xlsx"));
@@ -40,7 +29,8 @@ TEST_F(HandlagetBok, CellerGjennomBokaOgUrorteDelerByteForByte)
     a.settCelle(3, 2, 4.0);
     EXPECT_EQ(a.celle(4, 3), Verdi(8.0));  // recomputed after the change
     a.settCelle(5, 1, QStringLiteral(" <CO₂ & \"ø\"> "));
-    auto fra = test::lesZip(kilde), til = lagre(*bok);
+    bok->lagreSom(ut);
+    auto fra = test::lesZip(kilde), til = test::lesZip(ut);
     EXPECT_EQ((V{apne(ut)->ark(1).celle(5, 1), apne(ut)->ark(1).celle(4, 3)}),
               (V{QStringLiteral(" <CO₂ & \"ø\"> "), 8.0}));
     ASSERT_EQ(til.size(), fra.size());
@@ -60,42 +50,40 @@ TEST_F(HandlagetBok, CellerGjennomBokaOgUrorteDelerByteForByte)
 TEST_F(HandlagetBok, FormlerFaarVerdiOgBeregningskjedenForsvinner)
 {
     // A workbook without calcPr gets one where the schema wants it: before extLst.
-    auto deler = test::handlagetBok();
-    std::string& bokdel = deler[2].second;
-    ASSERT_EQ(deler[2].first, "xl/workbook.xml");
-    bokdel.erase(bokdel.find("<calcPr calcId=\"191029\"/>"), std::strlen("<calcPr calcId=\"191029\"/>"));
-    test::skrivZip(kilde, deler);
+    test::skrivZip(kilde, test::handlagetBok({{"xl/workbook.xml", test::data("inn/workbook_uten_calcpr.xml")}}));
     auto bok = apne(kilde);
     Arbeidsark& a = bok->ark(1);
     a.settFormel(QStringLiteral("C5"), QStringLiteral("= sum(C2:C4)"));
     a.settFormel(QStringLiteral("$D$5"), QStringLiteral("= abs((C5 -C6)/2)"));
     EXPECT_EQ((V{a.celle(5, 3), a.celle(5, 4)}), (V{70.0, 35.0}));
-    auto til = lagre(*bok);
+    bok->lagreSom(ut);
+    auto til = test::lesZip(ut);
     EXPECT_FALSE(til.count("xl/calcChain.xml"));
     EXPECT_FALSE(har(til["xl/_rels/workbook.xml.rels"].innhold, "calcChain"));
     EXPECT_FALSE(har(til["[Content_Types].xml"].innhold, "calcChain"));
-    EXPECT_EQ(
-        til["xl/workbook.xml"].innhold,
-        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><workbook "
-        "xmlns=\"http://schemas.openxmlformats.org/"
-        "spreadsheetml/2006/main\" xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
-        "<bookViews><workbookView xWindow=\"0\" yWindow=\"0\"/></bookViews><sheets><sheet name=\"Data\" sheetId=\"1\" "
-        "r:id=\"rId1\"/><sheet name=\"Grafer\" sheetId=\"2\" r:id=\"rId2\"/></sheets><calcPr fullCalcOnLoad=\"1\"/>"
-        "<extLst><ext uri=\"{x}\"/></extLst></workbook>");
+    EXPECT_EQ(til["xl/workbook.xml"].innhold, test::data("gold/workbook_uten_calcpr.xml"));
 }
 
+// The charts in the drawing's order, the picture before them no chart object: titles as read, and the chart
+// parts a change writes, compared whole with gold/. A rich title keeps the formatting of its first paragraph
+// and run (chart 1); a title from a cell becomes text (chart 3). Each axis is found by its id; the minimum
+// goes after orientation and max, before extLst, and replaces one there was. Line chart: the category axis;
+// scatter (chart 2): the value axis at the bottom.
 TEST_F(HandlagetBok, DiagramobjekterITegningensRekkefolge)
 {
-    {
-        auto bok = apne(kilde);
-        Arbeidsark& grafer = bok->ark(2);
-        EXPECT_EQ(titler(grafer), (QStringList{QStringLiteral("Første del"), QString(), QStringLiteral("Fra celle")}));
-        grafer.diagram(2).settTittel(QStringLiteral("Ny"));
-        grafer.diagram(3).settTittel(grafer.diagram(1).tittel());
-        bok->lagreSom(ut);
-    }
-    EXPECT_EQ(titler(apne(ut)->ark(2)),
-              (QStringList{QStringLiteral("Første del"), QStringLiteral("Ny"), QStringLiteral("Første del")}));
+    auto bok = apne(kilde);
+    Arbeidsark& grafer = bok->ark(2);
+    EXPECT_EQ((QStringList{grafer.diagram(1).tittel(), grafer.diagram(2).tittel(), grafer.diagram(3).tittel()}),
+              (QStringList{QStringLiteral("Første del"), QString(), QStringLiteral("Fra celle")}));
+    grafer.diagram(1).settTittel(QStringLiteral("Syklus 3 & 4"));
+    grafer.diagram(3).settTittel(QStringLiteral("Ny"));
+    for (auto [nr, minimum] : {std::pair{1, 230.0}, {2, 12.5}, {3, 232.0}})
+        grafer.diagram(nr).settKategoriMinimum(minimum);
+    bok->lagreSom(ut);
+    auto til = test::lesZip(ut);
+    for (const std::string nr : {"1", "2", "3"})
+        EXPECT_EQ(til["xl/charts/chart" + nr + ".xml"].innhold, test::data("gold/handlaget_chart" + nr + ".xml")) << nr;
+    EXPECT_EQ(apne(ut)->ark(2).diagram(3).tittel(), QStringLiteral("Ny"));
 }
 
 TEST_F(HandlagetBok, FeilSomXlsxFeil)
@@ -106,8 +94,7 @@ TEST_F(HandlagetBok, FeilSomXlsxFeil)
     QFile f(tekst);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && f.write("Dato,Tid,CO2\n") > 0);
     test::skrivZip(utenBok, {{"a.txt", "x"}});
-    test::skrivZip(odelagt,
-                   {{"_rels/.rels", test::handlagetDel("_rels/.rels")}, {"xl/workbook.xml", "<workbook><sheets>"}});
+    test::skrivZip(odelagt, test::handlagetBok({{"xl/workbook.xml", "<workbook><sheets>"}}));
     for (const QString& sti : {dir.filePath(QStringLiteral("finnes_ikke.xlsx")), tekst, utenBok, odelagt})
         EXPECT_THROW(apne(sti), XlsxFeil) << sti.toStdString();
     auto bok = apne(kilde);

@@ -2,42 +2,24 @@
 
 #include "platform/xlsx/Pakke.h"
 
+#include <QDirIterator>
 #include <QTemporaryDir>
 
 using namespace xlsx;
 using S = std::vector<std::string>;
 
-namespace {
-
-// A relationships part of these types and targets, numbered in order.
-std::string relasjoner(std::initializer_list<std::pair<const char*, const char*>> maal, const char* tillegg = "")
-{
-    int nr = 0;
-    std::string ut = "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
-    for (auto [type, target] : maal)
-        ut += "<Relationship Id=\"rId" + std::to_string(++nr) +
-              "\" Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/" + type + "\" Target=\"" +
-              target + "\"" + tillegg + "/>";
-    return ut + "</Relationships>";
-}
-
-}  // namespace
-
-// Targets of every kind: relative, absolute, up a folder, external (left as written).
+// Targets of every kind: relative, absolute, up a folder, external (left as written). The parts lie in pakke/.
 TEST(Pakke, RelasjonerSomDelnavn)
 {
+    const QString mappe = QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/pakke/");
+    test::Deler deler;
+    for (QDirIterator it(mappe, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();) {
+        const QString del = it.next();
+        deler.emplace_back(del.mid(mappe.size()).toStdString(), test::filinnhold(del).toStdString());
+    }
     QTemporaryDir dir;
     const QString fil = dir.filePath(QStringLiteral("pakke.xlsx"));
-    test::skrivZip(fil, {{"_rels/.rels", relasjoner({{"officeDocument", "xl/workbook.xml"}})},
-                         {"xl/workbook.xml", "<workbook/>"},
-                         {"xl/_rels/workbook.xml.rels", relasjoner({{"worksheet", "worksheets/sheet1.xml"},
-                                                                    {"worksheet", "/xl/worksheets/sheet2.xml"}})},
-                         {"xl/worksheets/_rels/sheet1.xml.rels",
-                          relasjoner({{"drawing", "../drawings/drawing1.xml"},
-                                      {"printerSettings", "./../printerSettings/../x/./p1.bin"}})},
-                         {"xl/worksheets/_rels/sheet2.xml.rels",
-                          relasjoner({{"hyperlink", "https://example.org/a/../b"}}, " TargetMode=\"External\"")},
-                         {"xl/vbaProject.bin", std::string("\0\1\2", 3)}});
+    test::skrivZip(fil, deler);
     Pakke p(fil);
     auto maal = [&p](const std::string& del) {
         S ut;
