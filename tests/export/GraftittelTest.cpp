@@ -10,44 +10,51 @@ class Graftittel : public Eksportmappe {};
 
 TEST_F(Graftittel, EnkeltgrafFaarSammeTittelIBeggeDiagrammer)
 {
-    const QString mal = mappe.sti(exports::MalSykluser);
-    const QVariant gammel = lesArbeidsbok(mal).diagrammer(2, "tittel").value(0);
-    const QString ny = QStringLiteral("Syklus – CO₂ & H₂O");
-    svar({ny});
-    EXPECT_EQ(form().Command9_Click(), Utfall::Ferdig);
-    const auto& d = dialogs.dialoger().at(0);
-    EXPECT_EQ(QStringList({d.tekst, d.tittel, d.forslag}), QStringList({"Angi tittel", "Tittel", gammel.toString()}));
-    const Bok bok = lesArbeidsbok(mal);
-    EXPECT_EQ(bok.diagrammer(2, "tittel"), QVariantList({ny, ny}));
-    EXPECT_EQ(bok[QStringLiteral("A1")].toString(), QStringLiteral("Time&Date"));
-
-    // Accepting the proposal keeps the title; an empty answer empties it on both charts.
-    for (const auto& [svaret, tittel] :
-         {std::pair<dialogs::SkriptDialogs::Svaret, QString>{Forslag{}, ny}, {QString(), ""}}) {
-        svar({svaret});
+    // A new title, then the proposal accepted (kept), then an empty answer (both charts emptied); the
+    // template is copied aside before and after each answer and all copies are read at the end.
+    const QString mal = mappe.sti(exports::MalSykluser), ny = u"Syklus – CO₂ & H₂O"_s;
+    QStringList kopier = {mappe.sti(u"0.xlsx"_s)};
+    QFile::copy(mal, kopier[0]);
+    for (const dialogs::SkriptDialogs::Svaret& svaret : {dialogs::SkriptDialogs::Svaret(ny), {Forslag{}}, {QString()}}) {
+        svar(svaret);
         EXPECT_EQ(form().Command9_Click(), Utfall::Ferdig);
-        EXPECT_EQ(lesArbeidsbok(mal).diagrammer(2, "tittel"), QVariantList({tittel, tittel}));
+        kopier << mappe.sti(u"%1.xlsx"_s.arg(kopier.size()));
+        QFile::copy(mal, kopier.last());
     }
+    const QList<Bok> b = lesArbeidsboker(kopier);
+    const QString gammel = b[0].diagrammer(2, "tittel").value(0).toString();
+    const auto& d = dialogs.dialoger();
+    ASSERT_EQ(d.size(), 3u);
+    EXPECT_EQ(QStringList({d[0].tekst, d[0].tittel, d[0].forslag, d[1].forslag, d[2].forslag}),
+              QStringList({"Angi tittel", "Tittel", gammel, ny, ny}));
+    EXPECT_EQ(b[1].diagrammer(2, "tittel"), QVariantList({ny, ny}));
+    EXPECT_EQ(b[2].diagrammer(2, "tittel"), QVariantList({ny, ny}));
+    EXPECT_EQ(b[3].diagrammer(2, "tittel"), QVariantList({"", ""}));
+    EXPECT_EQ(b[1][u"A1"_s].toString(), u"Time&Date"_s);
     EXPECT_TRUE(dialogs.meldinger().isEmpty());
 }
 
 TEST_F(Graftittel, SamlegrafEndrerBareMalenForValgtRetning)
 {
+    const QString maler[] = {exports::MalAdsorpsjon, exports::MalDesorpsjon};
+    for (const QString& mal : maler) {  // C1 emptied first, to see the command write it
+        auto bok = xlsx::apne(mappe.sti(mal));
+        bok->ark(1).settCelle(1, 3, xlsx::Verdi{});
+        bok->lagre();
+    }
     for (bool adsorpsjon : {true, false}) {
-        const QString endret = adsorpsjon ? exports::MalAdsorpsjon : exports::MalDesorpsjon;
-        const QString annen = adsorpsjon ? exports::MalDesorpsjon : exports::MalAdsorpsjon;
-        auto mal = xlsx::apne(mappe.sti(endret));  // C1 emptied first, to see the command write it
-        mal->ark(1).settCelle(1, 3, xlsx::Verdi{});
-        mal->lagre();
-        mal.reset();
+        const QString annen = maler[adsorpsjon ? 1 : 0];
         const QByteArray for_ = mappe.les(annen);
         form().velgAdsorpsjon(adsorpsjon);
-        svar({endret});
+        svar(maler[adsorpsjon ? 0 : 1]);
         EXPECT_EQ(form().Command4_Click(), Utfall::Ferdig);
-        const Bok bok = lesArbeidsbok(mappe.sti(endret));
-        EXPECT_EQ(bok.diagrammer(2, "tittel").value(0), endret);
-        EXPECT_EQ(bok[QStringLiteral("C1")].toString(), QStringLiteral("Cycle nr.1"));
         EXPECT_EQ(mappe.les(annen), for_);
+    }
+    // Each template got its own name as title.
+    const QList<Bok> b = lesArbeidsboker({mappe.sti(maler[0]), mappe.sti(maler[1])});
+    for (int i : {0, 1}) {
+        EXPECT_EQ(b[i].diagrammer(2, "tittel").value(0), maler[i]);
+        EXPECT_EQ(b[i][u"C1"_s].toString(), u"Cycle nr.1"_s);
     }
     EXPECT_TRUE(dialogs.meldinger().isEmpty());
 }
@@ -74,7 +81,7 @@ TEST_F(Graftittel, TestknappenOgManglendeEllerOdelagtMalEndrerIngenting)
     // the template as it was.
     QFile::copy(mappe.sti(exports::MalAdsorpsjon), mappe.sti(exports::MalSykluser));
     const QByteArray enGraf = mappe.les(exports::MalSykluser);
-    svar({QStringLiteral("Ny")});
+    svar(u"Ny"_s);
     EXPECT_EQ(form().Command9_Click(), Utfall::Avvist);
     EXPECT_EQ(dialogs.meldinger().last(), QStringLiteral("Feil"));
     EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Ingen);

@@ -29,16 +29,24 @@ QStringList Bok::tekster(const QStringList& adresser) const
     return ut;
 }
 
-Bok lesArbeidsbok(const QString& fil, bool bufret)
+QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret)
 {
+    QStringList argumenter = QStringList{QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py")} + filer;
+    if (bufret) argumenter << QStringLiteral("--bufret");
     QProcess p;
-    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py"), fil,
-                                                 bufret ? QStringLiteral("--bufret") : QString()});
+    p.start(QStringLiteral("/usr/bin/python3"), argumenter);
     p.waitForFinished(120000);
-    EXPECT_EQ(p.exitCode(), 0) << fil.toStdString() << ": " << p.readAllStandardError().toStdString();
-    const QJsonObject o = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
-    return {o, o[QStringLiteral("celler")].toObject(), o[QStringLiteral("formler")].toObject()};
+    EXPECT_EQ(p.exitCode(), 0) << filer.join(' ').toStdString() << ": " << p.readAllStandardError().toStdString();
+    QList<Bok> boker;
+    for (const auto& b : QJsonDocument::fromJson(p.readAllStandardOutput()).array()) {
+        const QJsonObject o = b.toObject();
+        boker.append({o, o[QStringLiteral("celler")].toObject(), o[QStringLiteral("formler")].toObject()});
+    }
+    if (boker.size() != filer.size()) boker.resize(filer.size());  // a failed read: empty ones, the test fails
+    return boker;
 }
+
+Bok lesArbeidsbok(const QString& fil, bool bufret) { return lesArbeidsboker({fil}, bufret).value(0); }
 
 Eksportmappe::Eksportmappe()
 {

@@ -36,6 +36,8 @@ struct Bok {
     // The given field of every chart on sheet ark (from 1).
     QVariantList diagrammer(int ark, const char* felt) const;
 };
+// Several workbooks in one Python run, in the order named.
+QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
 class Eksportmappe : public MedVindu {
@@ -48,10 +50,6 @@ protected:
     void sykluser(const char* fra, const char* til)
     {
         sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
-    }
-    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
-    {
-        for (const auto& s : svar) dialogs.svar(s);
     }
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
