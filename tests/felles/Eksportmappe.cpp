@@ -48,6 +48,34 @@ QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret)
 
 Bok lesArbeidsbok(const QString& fil, bool bufret) { return lesArbeidsboker({fil}, bufret).value(0); }
 
+QString forlop(const dialogs::SkriptDialogs& skript, size_t fra)
+{
+    using dialogs::SkriptDialogs;
+    QString ut;
+    for (size_t i = fra; i < skript.dialoger().size(); ++i) {
+        const SkriptDialogs::Dialog& d = skript.dialoger()[i];
+        const QString tekst = QString(d.tekst).replace('\n', u"\\n"_s);
+        if (d.type != SkriptDialogs::Type::Melding)
+            ut += u"? %1 | %2 | %3\n"_s.arg(tekst, d.tittel, d.forslag);
+        else
+            ut += u"! "_s + QStringList{{}, u"(i) "_s, u"(?) "_s}[static_cast<int>(d.ikon)] +
+                  (d.knapper == dialogs::Knapper::JaNei ? u"[Ja/Nei] "_s : QString()) + tekst +
+                  (d.tittel == dialogs::ProgramTittel ? QString() : u" — "_s + d.tittel) + u"\n"_s;
+    }
+    return ut.replace(vb::dagensDatoTekst(), u"<i dag>"_s);
+}
+
+void sjekkGull(const QString& navn, const QString& tekst)
+{
+    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
+    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
+        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
+        return;
+    }
+    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
+    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
+}
+
 Eksportmappe::Eksportmappe()
 {
     for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))

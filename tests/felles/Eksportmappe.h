@@ -40,6 +40,13 @@ struct Bok {
 QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
+// Every box shown from the fra-th on, one a line: "! text" for a message, with its icon ((i), (?)) and
+// [Ja/Nei] before the text and a title other than the program's after " — "; "? prompt | title |
+// proposal" for an input box. Line breaks within a text as \n, today's date as <i dag>.
+QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
+// tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
+void sjekkGull(const QString& navn, const QString& tekst);
+
 class Eksportmappe : public MedVindu {
 protected:
     Eksportmappe();
