@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
+#include <map>
 
 namespace test {
 
@@ -26,6 +28,38 @@ QStringList Bok::tekster(const QStringList& adresser) const
     for (const QString& a : adresser)
         ut << (a.startsWith(QLatin1Char('=')) ? formler[a.mid(1)].toString().toUpper().remove(QLatin1Char(' '))
                                               : celler[a].toVariant().toString());
+    return ut;
+}
+
+QString endringer(const Bok& mal, const Bok& bok)
+{
+    const auto tekst = [](const Bok& b, const QString& a) -> std::optional<QString> {
+        if (!b.celler.contains(a)) return std::nullopt;
+        return b.formler.contains(a) ? b.formler[a].toString() : b.celler[a].toVariant().toString();
+    };
+    static const QRegularExpression adresse(u"^([A-Z]+)(\\d+)$"_s);
+    std::map<QString, std::map<int, std::optional<QString>>> kolonner;  // column -> row -> text, none when emptied
+    for (const QString& a : mal.celler.keys() + bok.celler.keys()) {
+        const auto m = adresse.match(a);
+        if (tekst(mal, a) != tekst(bok, a)) kolonner[m.captured(1)][m.captured(2).toInt()] = tekst(bok, a);
+    }
+    QString ut;
+    for (const auto& [kolonne, rader] : kolonner) {
+        ut += kolonne + ':';
+        for (auto r = rader.begin(); r != rader.end(); ++r) {
+            if (r->second) {
+                ut += u" %1=%2"_s.arg(r->first).arg(*r->second);
+                continue;
+            }
+            const int fra = r->first;
+            while (std::next(r) != rader.end() && !std::next(r)->second && std::next(r)->first == r->first + 1) ++r;
+            ut += (fra == r->first ? u" %1 tom"_s.arg(fra) : u" %1-%2 tom"_s.arg(fra).arg(r->first));
+        }
+        ut += '\n';
+    }
+    for (const char* del : {"ark", "diagrammer"})
+        if (bok.json[QLatin1String(del)] != mal.json[QLatin1String(del)])
+            ut += QLatin1String(del) + u": "_s + QJsonDocument(bok.json[QLatin1String(del)].toArray()).toJson(QJsonDocument::Compact) + '\n';
     return ut;
 }
 

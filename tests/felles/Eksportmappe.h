@@ -36,6 +36,10 @@ struct Bok {
     // The given field of every chart on sheet ark (from 1).
     QVariantList diagrammer(int ark, const char* felt) const;
 };
+// What bok holds otherwise than the template mal: a line per column of sheet 1 with its changed cells
+// as row=text (a formula's text, not its value) and the runs of rows it emptied as row-row tom; then
+// the sheet names and the charts (title and axis minimum per sheet) where they differ.
+QString endringer(const Bok& mal, const Bok& bok);
 // Several workbooks in one Python run, in the order named.
 QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
