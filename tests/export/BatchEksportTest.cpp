@@ -8,14 +8,13 @@ namespace {
 
 class BatchEksport : public Eksportmappe {};
 
-TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
+// What the road test leaves out: the messages on stdout and the cause on stderr, names that differ
+// only in case, and No.
+TEST_F(BatchEksport, MeldingerFilnavnOgNei)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s}; });
     snupunkter({10 * 60, 20 * 60});
-    auto r = batch({"edit-title", "--single", "--title", "Forsøk 7"});
-    EXPECT_EQ(r.status, 0) << r.feil;
-
-    r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "Lab"});
+    auto r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "Lab"});
     EXPECT_EQ(r.status, 0) << r.feil;
     EXPECT_EQ(r.ut, u"Vil du lage excel-filer for 1 run?\n\nEksporten er ferdig!\n\n"_s);
 
@@ -27,6 +26,7 @@ TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
         EXPECT_EQ(r.status, 0) << r.feil;
     }
     EXPECT_EQ(utfiler(), QStringList({"LAB_Samlefil.xlsm", "Lab_2.xlsx"}));
+    EXPECT_TRUE(mappe.les(u"Data_Bearbeidet/LAB_Samlefil.xlsm"_s).startsWith("PK"));
 
     // A failure shows the export's one message; the cause goes to stderr for diagnosis.
     r = batch({"--set", "Text4=2", "--set", "Text6=2", "export-single", "--prefix", "a/b"});
@@ -36,11 +36,6 @@ TEST_F(BatchEksport, TittelenFolgerMedTilSenereEksport)
 
     EXPECT_EQ(batch({"export-single", "--prefix", "Nei", "--no"}).status, 0);
     EXPECT_FALSE(QFile::exists(ut(u"Nei_1.xlsx"_s)));
-
-    const QList<Bok> b = lesArbeidsboker({ut(u"Lab_2.xlsx"_s), ut(u"LAB_Samlefil.xlsm"_s)});
-    EXPECT_EQ(b[0].diagrammer(2, "tittel"), QVariantList({"Forsøk 7", "Forsøk 7"}));
-    EXPECT_EQ(b[0].diagrammer(2, "xmin").value(0), 11.0);  // first row 20:00 − 9 min
-    EXPECT_TRUE(b[1].json[u"makro"_s].toBool());
 }
 
 TEST_F(BatchEksport, UtfallOgBruksfeil)
@@ -48,11 +43,6 @@ TEST_F(BatchEksport, UtfallOgBruksfeil)
     auto r = batch({"export-single", "--prefix", "P"});
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.ut, u"Du må først finne antall sykluser\n\n"_s);
-
-    const QByteArray ads = mappe.les(exports::MalAdsorpsjon);
-    r = batch({"--adsorption", "edit-title", "--combined", "--title", "Ads"});
-    EXPECT_EQ(r.status, 0) << r.feil;
-    EXPECT_NE(mappe.les(exports::MalAdsorpsjon), ads);
 
     EXPECT_EQ(batch({"test"}).status, 0);
     QFile::remove(mappe.sti(exports::MalSykluser));

@@ -130,8 +130,9 @@ TEST_F(Integrering, BatchSvarerMedMinutterForOgEtter)
     const auto r = batch({"--set", "Text6=1", "integrate", "--prefix", "B", "--before", "5", "--after", "3"});
     EXPECT_TRUE(r.status == 0 && r.ut.contains(QStringLiteral("Eksporten er ferdig"))) << r.feil.toStdString();
     // 6 rows before (3..8), 4 after (9..12): L17 sums to row 12, then row 17 itself is cleared.
-    const Bok bok = lesArbeidsbok(ut(QStringLiteral("B_1.xlsx")));
-    EXPECT_EQ(bok.tekster({"A8", "A12", "L17"}), QStringList({tidTekst(T1 * 60), tidTekst((T1 + 3) * 60), ""}));
+    const Bok bok = lesArbeidsbok(ut(u"B_1.xlsx"_s));
+    EXPECT_EQ(QStringList({bok[u"A8"_s].toString(), bok[u"A12"_s].toString(), bok[u"L17"_s].toString()}),
+              QStringList({tidTekst(T1 * 60), tidTekst((T1 + 3) * 60), ""}));
     EXPECT_TRUE(QFile::exists(ut(QStringLiteral("B_Samlefil_1.xlsx"))));
 }
 

@@ -14,23 +14,6 @@ namespace test {
 
 QString tidTekst(int s) { return QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", s / 3600, s / 60 % 60, s % 60); }
 
-QVariantList Bok::diagrammer(int ark, const char* felt) const
-{
-    QVariantList ut;
-    for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray())
-        ut << d[QLatin1String(felt)].toVariant();
-    return ut;
-}
-
-QStringList Bok::tekster(const QStringList& adresser) const
-{
-    QStringList ut;
-    for (const QString& a : adresser)
-        ut << (a.startsWith(QLatin1Char('=')) ? formler[a.mid(1)].toString().toUpper().remove(QLatin1Char(' '))
-                                              : celler[a].toVariant().toString());
-    return ut;
-}
-
 QString endringer(const Bok& mal, const Bok& bok)
 {
     const auto tekst = [](const Bok& b, const QString& a) -> std::optional<QString> {

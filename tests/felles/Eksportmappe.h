@@ -31,10 +31,6 @@ struct Bok {
     QJsonObject celler;   // sheet 1: address -> value (for a formula its text, or its cached value when bufret)
     QJsonObject formler;  // sheet 1: address -> formula text
     QJsonValue operator[](const QString& adresse) const { return celler.value(adresse); }
-    // The cells' values as texts ("" for none); "=F3" gives F3's formula in capitals without blanks.
-    QStringList tekster(const QStringList& adresser) const;
-    // The given field of every chart on sheet ark (from 1).
-    QVariantList diagrammer(int ark, const char* felt) const;
 };
 // What bok holds otherwise than the template mal: a line per column of sheet 1 with its changed cells
 // as row=text (a formula's text, not its value) and the runs of rows it emptied as row-row tom; then
