@@ -1,5 +1,6 @@
 #include "felles/Eksportmappe.h"
 
+#include "app/FrmGraph.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
@@ -80,6 +81,15 @@ QString forlop(const dialogs::SkriptDialogs& skript, size_t fra)
                   (d.tittel == dialogs::ProgramTittel ? QString() : u" — "_s + d.tittel) + u"\n"_s;
     }
     return ut.replace(vb::dagensDatoTekst(), u"<i dag>"_s);
+}
+
+QString vist(const app::FrmGraph& g)
+{
+    static const QRegularExpression merke(u"<[^>]*>"_s);
+    const QPointF t = g.tidsomrade(), v = g.verdiomrade();
+    const QString forklaring = g.findChild<QLabel*>(u"Forklaring"_s)->text().remove(merke).replace(u"&nbsp;"_s, u" "_s);
+    return u"tid %1 til %2, verdi %3 til %4 | %5| %6\n"_s.arg(t.x()).arg(t.y()).arg(v.x(), 0, 'g', 4).arg(v.y(), 0, 'g', 4)
+        .arg(forklaring.simplified(), g.avlesningTekst());
 }
 
 void sjekkGull(const QString& navn, const QString& tekst)
