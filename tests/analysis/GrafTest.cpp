@@ -65,19 +65,17 @@ TEST_F(Graf, HoystTrettiTusenPunkterAvHverNteRad)
     vindu();
     // 1,5 times 30000 takes every second row and leaves the rows past 22500 without a value;
     // 2,5 times rounds to every second row too and shows only the first 60000 rows.
-    const struct {
-        int rader, punkter;
-        float forste, siste;
-    } tilfeller[] = {
-        {30000, 30000, 1e-6f, 30000e-6f}, {45000, 22500, 2e-6f, 45000e-6f}, {75000, 30000, 2e-6f, 60000e-6f}};
-    for (const auto& t : tilfeller) {
-        SCOPED_TRACE(t.rader);
-        fyllTil(t.rader);
+    // Rows in the table, points drawn, the first and the last value drawn.
+    for (auto [rader, punkter, forste, siste] : {std::tuple{30000, 30000u, 1e-6f, 30000e-6f},
+                                                 {45000, 22500u, 2e-6f, 45000e-6f},
+                                                 {75000, 30000u, 2e-6f, 60000e-6f}}) {
+        SCOPED_TRACE(rader);
+        fyllTil(rader);
         const dialogs::Graf v = vis().first;
         EXPECT_EQ(v.rader, 30000);
-        ASSERT_EQ(v.verdier.size(), size_t(t.punkter));
-        EXPECT_FLOAT_EQ(v.verdier[0], t.forste);
-        EXPECT_FLOAT_EQ(v.verdier.back(), t.siste);
+        ASSERT_EQ(v.verdier.size(), punkter);
+        EXPECT_FLOAT_EQ(v.verdier[0], forste);
+        EXPECT_FLOAT_EQ(v.verdier.back(), siste);
     }
 }
 

@@ -24,22 +24,19 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
 {
     fyll(Sykluser);
     vindu();
-    const struct {
-        bool ads;
-        QString terskel;
-        bool ja;
-    } tilfeller[] = {
+    const std::tuple<bool, QString, Svar> tilfeller[] = {
+        // Adsorpsjon, the threshold, the answer
         // A: minimum of its span without its last row (0,05 at 14:01:40 lies outside); B: empty span, day zero;
         // C ends at 14:03:05 because 11 seconds follow it; the last group gets nothing. The minimum
         // proposed is 0,05, not the 0,01 on the search start second.
-        {true, u"1"_s, true},
+        {true, u"1"_s, Svar::Ja},
         // Desorpsjon takes the largest value; No leaves the settings.
-        {false, u"1,0"_s, false},
+        {false, u"1,0"_s, Svar::Nei},
         // Hits 14:01:40 alone: one group, nothing closed, an empty line in the file.
-        {true, u"0.07"_s, true},
+        {true, u"0.07"_s, Svar::Ja},
         // Hits 14:01:30, 14:01:40 and 14:03:16: two groups, one turning point, the interval runs
         // from the first group's last row to the second group's first (14:01 to 14:03).
-        {true, u"0.12"_s, true},
+        {true, u"0.12"_s, Svar::Ja},
     };
     // One search: its boxes shown, then SnuPunkter.txt and SokStart.txt.
     auto sok = [&](bool ads, const QString& terskel, dialogs::Svar svaret) {
@@ -55,8 +52,8 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     QString logg[2];
     for (const bool tidFolgerId : {false, true}) {
         k.settRadorden(tidFolgerId, false);
-        for (const auto& t : tilfeller) {
-            logg[tidFolgerId] += u"\n== "_s + t.terskel + '\n' + sok(t.ads, t.terskel, t.ja ? Svar::Ja : Svar::Nei);
+        for (const auto& [ads, terskel, svaret] : tilfeller) {
+            logg[tidFolgerId] += u"\n== "_s + terskel + '\n' + sok(ads, terskel, svaret);
             logg[tidFolgerId] += bokser().join('|') + '\n';
         }
     }
@@ -99,7 +96,8 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
         for (const auto& s : svar) dialogs.svar(s);
         EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << hva;
         logg += u"\n== "_s + QLatin1String(hva) + '\n' + test::forlop(dialogs, fra);
-        EXPECT_FALSE(!tidligere.isEmpty() && (QFile::exists(mappe.sti(tidligere)) || QFile::exists(mappe.sti(SokStart))))
+        EXPECT_FALSE(!tidligere.isEmpty() &&
+                     (QFile::exists(mappe.sti(tidligere)) || QFile::exists(mappe.sti(SokStart))))
             << hva;
     };
     avvist(0, {u"1"_s, u"0.02"_s}, "no hit: 0,01 lies on the search start", u"Snupunkter.txt"_s);
@@ -128,7 +126,8 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
     const size_t fra = dialogs.dialoger().size();
     EXPECT_EQ(vindu({}).Command7_Click(), Utfall::Avvist);
-    test::sjekkGull(u"analysis/gull/Syklusfinning.Avvist.txt"_s, logg + u"\n== nothing imported\n"_s + test::forlop(dialogs, fra));
+    test::sjekkGull(u"analysis/gull/Syklusfinning.Avvist.txt"_s,
+                    logg + u"\n== nothing imported\n"_s + test::forlop(dialogs, fra));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 // One row a minute from 14:00 to 19:00, then 19:30 to 19:35, 1E-09 but at these minutes: surges of
 // 5E-09 at 95 and 193, desorption peaks of 8E-09 at 165 and 270, one more surge at 332; the
 // smallest values at the turning points 100 and 200 (the third, 360, has no row).
-const std::map<int, double> Saerverdier = {{95, 5e-9},  {193, 5e-9},  {165, 8e-9},  {270, 8e-9},
+const std::map<int, double> Saerverdier = {{95, 5e-9},  {193, 5e-9},  {165, 8e-9}, {270, 8e-9},
                                            {332, 3e-9}, {100, 1e-12}, {200, 1e-12}};
 const QByteArray Snupunkter = "23.11.2012 15:40:00!23.11.2012 17:20:00!23.11.2012 20:00:00\r\n";
 
@@ -44,7 +44,8 @@ QString beskriv(const analysis::Syklusbilde& bilde)
     QString ut;
     for (const auto& s : bilde.sykluser) {
         ut += u"Syklus %1, null %2:"_s.arg(s.syklus).arg(s.null);
-        for (size_t i = 0; i < s.minutter.size(); ++i) ut += u" %1=%2"_s.arg(s.minutter[i]).arg(s.verdier[i], 0, 'g', 6);
+        for (size_t i = 0; i < s.minutter.size(); ++i)
+            ut += u" %1=%2"_s.arg(s.minutter[i]).arg(s.verdier[i], 0, 'g', 6);
         ut += '\n';
     }
     for (const auto& r : analysis::tabell(bilde)) ut += (r.merket ? u"* "_s : u"  "_s) + r.celler.join('|') + '\n';
@@ -73,11 +74,8 @@ TEST_F(Syklusvinduer, VinduerNullpunkterOgTabell)
 // the known-good transcript).
 TEST_F(Syklusvinduer, AvvisningerGirEksportenesMeldinger)
 {
-    const struct {
-        QString forste, siste, foer;
-        bool ads;
-        QString periode;  // the answer to the desorption period
-    } tilfeller[] = {
+    // Text4, Text6, Text1, Adsorpsjon and the answer to the desorption period.
+    const std::tuple<QString, QString, QString, bool, QString> tilfeller[] = {
         {u"3"_s, u"2"_s, u"10"_s, true, {}},        // Text4 past Text6
         {u"1"_s, u"4"_s, u"10"_s, true, {}},        // no fourth turning point
         {u"3"_s, u"3"_s, u"10"_s, true, {}},        // the one window is empty
@@ -85,18 +83,19 @@ TEST_F(Syklusvinduer, AvvisningerGirEksportenesMeldinger)
         {u"1"_s, u"2"_s, u"ti"_s, true, {}},        // a setting that is no number
     };
     QString logg;
-    for (const auto& t : tilfeller) {
+    for (const auto& [forste, siste, foer, ads, periode] : tilfeller) {
         const size_t fra = dialogs.dialoger().size();
-        sett(t.forste, t.siste, t.foer, u"20"_s);
-        f->velgAdsorpsjon(t.ads);
-        if (!t.periode.isEmpty()) svar(t.periode);
-        EXPECT_FALSE(analysis::lesSyklusbilde(f->kontekst())) << t.forste << t.siste << t.foer;
-        logg += u"== %1 %2 %3\n"_s.arg(t.forste, t.siste, t.foer) + test::forlop(dialogs, fra);
+        sett(forste, siste, foer, u"20"_s);
+        f->velgAdsorpsjon(ads);
+        if (!periode.isEmpty()) svar(periode);
+        EXPECT_FALSE(analysis::lesSyklusbilde(f->kontekst())) << forste << siste << foer;
+        logg += u"== %1 %2 %3\n"_s.arg(forste, siste, foer) + test::forlop(dialogs, fra);
     }
     const size_t fra = dialogs.dialoger().size();
     QFile::remove(mappe.sti(u"SnuPunkter.txt"_s));
     EXPECT_FALSE(analysis::lesSyklusbilde(f->kontekst()));
-    test::sjekkGull(u"analysis/gull/Syklusvinduer.Avvist.txt"_s, logg + u"== uten snupunkter\n"_s + test::forlop(dialogs, fra));
+    test::sjekkGull(u"analysis/gull/Syklusvinduer.Avvist.txt"_s,
+                    logg + u"== uten snupunkter\n"_s + test::forlop(dialogs, fra));
 }
 
 // The graph window's second tab: the cycles with their table, shifted onto the zero points when

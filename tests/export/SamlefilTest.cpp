@@ -73,9 +73,10 @@ TEST_F(Samlefil, SyklusneLeggesISineKolonnerFraNullpunktet)
     svar(Svar::Ja, u"D"_s, Forslag{});
     EXPECT_EQ(form().Command5_Click(), Utfall::Ferdig);
 
-    const QList<Bok> b = lesArbeidsboker({mappe.sti(exports::MalAdsorpsjon), ut(u"Forsok_Samlefil.xlsm"_s),
-                                          ut(vb::dagensDatoTekst() + u"__Samlefil.xlsm"_s), ut(u"Endret_Samlefil.xlsm"_s),
-                                          mappe.sti(exports::MalDesorpsjon), ut(u"D_Samlefil.xlsm"_s)});
+    const QList<Bok> b =
+        lesArbeidsboker({mappe.sti(exports::MalAdsorpsjon), ut(u"Forsok_Samlefil.xlsm"_s),
+                         ut(vb::dagensDatoTekst() + u"__Samlefil.xlsm"_s), ut(u"Endret_Samlefil.xlsm"_s),
+                         mappe.sti(exports::MalDesorpsjon), ut(u"D_Samlefil.xlsm"_s)});
     EXPECT_TRUE(b[1].json[u"makro"_s].toBool());
     sjekkGull(u"export/gull/Samlefil.txt"_s, forlop(dialogs) + u"== Forsok\n"_s + endringer(b[0], b[1]) +
                                                  u"== fra 2 ved I\n"_s + endringer(b[0], b[2]) + u"== Endret\n"_s +

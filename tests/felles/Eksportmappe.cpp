@@ -43,7 +43,8 @@ QString endringer(const Bok& mal, const Bok& bok)
     }
     for (const char* del : {"ark", "diagrammer"})
         if (bok.json[QLatin1String(del)] != mal.json[QLatin1String(del)])
-            ut += QLatin1String(del) + u": "_s + QJsonDocument(bok.json[QLatin1String(del)].toArray()).toJson(QJsonDocument::Compact) + '\n';
+            ut += QLatin1String(del) + u": "_s +
+                  QJsonDocument(bok.json[QLatin1String(del)].toArray()).toJson(QJsonDocument::Compact) + '\n';
     return ut;
 }
 
@@ -88,7 +89,10 @@ QString vist(const app::FrmGraph& g)
     static const QRegularExpression merke(u"<[^>]*>"_s);
     const QPointF t = g.tidsomrade(), v = g.verdiomrade();
     const QString forklaring = g.findChild<QLabel*>(u"Forklaring"_s)->text().remove(merke).replace(u"&nbsp;"_s, u" "_s);
-    return u"tid %1 til %2, verdi %3 til %4 | %5| %6\n"_s.arg(t.x()).arg(t.y()).arg(v.x(), 0, 'g', 4).arg(v.y(), 0, 'g', 4)
+    return u"tid %1 til %2, verdi %3 til %4 | %5| %6\n"_s.arg(t.x())
+        .arg(t.y())
+        .arg(v.x(), 0, 'g', 4)
+        .arg(v.y(), 0, 'g', 4)
         .arg(forklaring.simplified(), g.avlesningTekst());
 }
 
