@@ -68,6 +68,13 @@ TEST_F(Syklusvinduer, VinduerNullpunkterOgTabell)
     ASSERT_TRUE(des);
     test::sjekkGull(u"analysis/gull/Syklusvinduer.txt"_s, beskriv(*ads) + u"Desorpsjon\n"_s + beskriv(*des));
     EXPECT_TRUE(dialogs.meldinger().isEmpty()) << dialogs.meldinger().join('|');
+
+    // Windows that begin at the first row (cycle 1) or end at the last (cycle 2) lie within the data.
+    f->velgAdsorpsjon(true);
+    sett(u"1"_s, u"2"_s, u"100"_s, u"135"_s);
+    const auto grenser = analysis::lesSyklusbilde(f->kontekst());
+    ASSERT_TRUE(grenser);
+    for (const auto& syklus : grenser->sykluser) EXPECT_FALSE(syklus.utenforData) << syklus.syklus;
 }
 
 // What the exports stop at stops the view before anything is read, with the exports' messages (in

@@ -51,17 +51,17 @@ TEST_F(Enkeltgraf, ValgteSykluserBlirArbeidsbokerMedVinduForskyvningOgAkse)
     files::SkrivTilFil(ut(foreslatt), u"gammel fil"_s);
     svar(Svar::Ja, Forslag{});
     EXPECT_EQ(form().Command3_Click(), Utfall::Ferdig);
-    // Cycles 2 and 3 only.
+    // Cycles 2 and 3 only; a prefix may hold blanks and letters beyond ASCII.
     sykluser("2", "3");
-    EXPECT_EQ(eksporter(u"Forsok"_s), Utfall::Ferdig);
-    EXPECT_EQ(utfiler(), QStringList({foreslatt, "Forsok_2.xlsx", "Forsok_3.xlsx"}));
+    EXPECT_EQ(eksporter(u"Forsøk 4"_s), Utfall::Ferdig);
+    EXPECT_EQ(utfiler(), QStringList({foreslatt, "Forsøk 4_2.xlsx", "Forsøk 4_3.xlsx"}));
     EXPECT_EQ(label4(), vb::antallTekst(12) + u" (Run 3)"_s);
 
     // The dialogs, then what each workbook has otherwise than the template: in O1 the window start
     // in minutes after the data start, the rows T−1:30 … T+3:00 (the row at T−2:00 is outside) with
     // the values of C to J, and both charts' axis from the window start rounded half to even.
     const QList<Bok> b = lesArbeidsboker(
-        {mappe.sti(exports::MalSykluser), ut(foreslatt), ut(u"Forsok_2.xlsx"_s), ut(u"Forsok_3.xlsx"_s)});
+        {mappe.sti(exports::MalSykluser), ut(foreslatt), ut(u"Forsøk 4_2.xlsx"_s), ut(u"Forsøk 4_3.xlsx"_s)});
     QString logg = forlop(dialogs);
     for (int i = 1; i < b.size(); ++i) logg += u"== syklus %1\n"_s.arg(i) + endringer(b[0], b[i]);
     sjekkGull(u"export/gull/Enkeltgraf.txt"_s, logg);
