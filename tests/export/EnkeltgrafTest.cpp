@@ -151,13 +151,11 @@ TEST_F(Eksporter, OdelagteInnstillingerFilerOgPrefiksGirMeldingOgIngenFil)
 {
     rader(0, 30 * 60, 60, [](int s) { return Verdier{s, {}, {}, s}; });
     const QByteArray ett = "23.11.2012 00:10:00";
-    using Tilfelle =
-        std::tuple<QList<std::pair<Boks, QString>>, QByteArray, QString>;  // settings, turning points, prefix
-    const Tilfelle tilfeller[] = {
+    // The settings, the turning points and the prefix.
+    const std::tuple<QList<std::pair<Boks, QString>>, QByteArray, QString> tilfeller[] = {
         {{{Boks::Text6, u"abc"_s}}, ett, u"X"_s},
-        {{{Boks::Text6, u"-5"_s}, {Boks::Text4, u"-7"_s}},
-         ett,
-         u"X"_s},  // an empty range is no error: nothing to write
+        // An empty range is no error: nothing to write.
+        {{{Boks::Text6, u"-5"_s}, {Boks::Text4, u"-7"_s}}, ett, u"X"_s},
         {{{Boks::Text6, u"99999"_s}}, ett, u"X"_s},
         {{{Boks::Text6, u"1E300"_s}}, ett, u"X"_s},
         {{{Boks::Text6, u"1"_s}, {Boks::Text1, u"1E300"_s}}, ett, u"X"_s},
