@@ -60,13 +60,9 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
     test::sjekkGull(u"analysis/gull/Syklusfinning.Grupper.txt"_s, logg[0]);
     EXPECT_EQ(logg[1], logg[0]);
 
-    // A database that cannot take the column's time index (the command built it) is searched all the same.
-    k.utforSqlite("DROP INDEX DataLinjer_Tid_C; PRAGMA query_only = 1");
-    const QString utenIndeks = sok(true, u"1"_s, Svar::Nei);
-    k.utforSqlite("PRAGMA query_only = 0");
-    EXPECT_EQ(utenIndeks, sok(true, u"1"_s, Svar::Nei));
-
-    // Every statement of the search reads that index alone, in its order, without a sort.
+    // The command built the column's time index, and every statement of the search reads that index
+    // alone, in its order, without a sort. (That a search goes on when the index cannot be written is
+    // the fault-injection test's part.)
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
     for (const QString& s :
          {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
