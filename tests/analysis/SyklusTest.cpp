@@ -1,10 +1,13 @@
+// "7.  Finn sykluser" on the real window: the groups below or above the threshold, the turning
+// points written, the settings proposed, and the refusals. The boxes and messages are compared
+// with known-good transcripts in gull/.
 #include "analysis/Sykluser.h"
-#include "felles/MedVindu.h"
+#include "felles/Eksportmappe.h"
 #include "store/Setninger.h"
 
 namespace {
 
-const QString Feil = u"Det oppstod en feil i denne rutinen"_s, SnuPunkter = u"SnuPunkter.txt"_s;
+const QString SnuPunkter = u"SnuPunkter.txt"_s, SokStart = u"SokStart.txt"_s;
 
 // Data start 14:00:00. With a search start one minute later and the threshold 1:
 // group A 14:01:10-14:01:40 in 10-second steps (the value 1 at 14:01:45 is no hit),
@@ -15,67 +18,51 @@ const std::vector<test::Rad> Sykluser = {{0, 5},      {60, 0.01},  {70, 0.3},  {
                                          {180, 0.2},  {185, 0.15}, {196, 0.1}, {200, 4}};
 
 using Syklusfinning = test::MedVindu;
+using dialogs::Svar;
 
 TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
 {
     fyll(Sykluser);
     vindu();
-    const QString Tre = u"Det ble funnet 3 sykluser. Den første syklusen med en verdi "_s;
-    const QByteArray Snu = "!00:00:00!23.11.2012 14:03:00\r\n";
-    const struct {
-        bool ads;
-        QString terskel;
-        bool ja;
-        QString melding;
-        QByteArray snu;
-        QString bokser;
-    } tilfeller[] = {
+    const std::tuple<bool, QString, Svar> tilfeller[] = {
+        // Adsorpsjon, the threshold, the answer
         // A: minimum of its span without its last row (0,05 at 14:01:40 lies outside); B: empty span, day zero;
-        // C ends at 14:03:05 because 11 seconds follow it; the last group gets nothing.
-        {true, u"1"_s, true,
-         Tre +
-             u"mindre enn 1 er ved tidspunktet 23.11.2012 14:01:10 (1 minutter etter oppstart).\nIntervallet "
-             "mellom den første og andre syklusen er ca. 1 minutter. Vil du sette inn disse verdiene som valg i oppsettet?"_s,
-         "23.11.2012 14:01:30" + Snu, u"3|-14|1"_s},
+        // C ends at 14:03:05 because 11 seconds follow it; the last group gets nothing. The minimum
+        // proposed is 0,05, not the 0,01 on the search start second.
+        {true, u"1"_s, Svar::Ja},
         // Desorpsjon takes the largest value; No leaves the settings.
-        {false, u"1,0"_s, false, Tre + u"større enn 1 er"_s, "23.11.2012 14:01:10" + Snu, u"3|-14|1"_s},
+        {false, u"1,0"_s, Svar::Nei},
         // Hits 14:01:40 alone: one group, nothing closed, an empty line in the file.
-        {true, u"0.07"_s, true, u"Det ble funnet 0 sykluser. "_s, "\r\n", u"0|-14|0"_s},
+        {true, u"0.07"_s, Svar::Ja},
         // Hits 14:01:30, 14:01:40 and 14:03:16: two groups, one turning point, the interval runs
         // from the first group's last row to the second group's first (14:01 to 14:03).
-        {true, u"0.12"_s, true, u"Det ble funnet 1 sykluser. "_s, "23.11.2012 14:01:30\r\n", u"1|-14|2"_s},
+        {true, u"0.12"_s, Svar::Ja},
     };
-    // The same answers whether or not the store may read ID order from the time index.
+    // One search: its boxes shown, then SnuPunkter.txt and SokStart.txt.
+    auto sok = [&](bool ads, const QString& terskel, dialogs::Svar svaret) {
+        const size_t fra = dialogs.dialoger().size();
+        f->velgAdsorpsjon(ads);
+        svar(u"1"_s, terskel, svaret);
+        EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << terskel;
+        return test::forlop(dialogs, fra) + mappe.les(SnuPunkter) + mappe.les(SokStart);
+    };
+    // The same answers whether or not the store may read ID order from the time index; the
+    // settings after each search below its turning points.
     db::Database& k = f->kontekst().tilkobling;
+    QString logg[2];
     for (const bool tidFolgerId : {false, true}) {
         k.settRadorden(tidFolgerId, false);
-        for (const auto& t : tilfeller) {
-            f->velgAdsorpsjon(t.ads);
-            svar(u"1"_s, t.terskel, t.ja ? dialogs::Svar::Ja : dialogs::Svar::Nei);
-            EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << t.terskel;
-            EXPECT_TRUE(dialogs.meldinger().last().startsWith(t.melding)) << dialogs.meldinger().last();
-            EXPECT_EQ(mappe.les(SnuPunkter), t.snu) << t.terskel << tidFolgerId;
-            EXPECT_EQ(bokser().join('|'), t.bokser) << t.terskel;
+        for (const auto& [ads, terskel, svaret] : tilfeller) {
+            logg[tidFolgerId] += u"\n== "_s + terskel + '\n' + sok(ads, terskel, svaret);
+            logg[tidFolgerId] += bokser().join('|') + '\n';
         }
     }
-    // The row on the search start second is not searched: the minimum is 0,05, not 0,01.
-    const auto& d = dialogs.dialoger();
-    EXPECT_EQ(d[1].tekst + '|' + d[1].tittel + '|' + d[1].forslag,
-              u"Den minste verdien er 0,05. Oppgi søkeverdien som skal brukes under:|Minste verdi|5"_s);
-    EXPECT_EQ(d[2].ikon, dialogs::Ikon::Sporsmal);
+    test::sjekkGull(u"analysis/gull/Syklusfinning.Grupper.txt"_s, logg[0]);
+    EXPECT_EQ(logg[1], logg[0]);
 
-    // A database that cannot take the index is searched all the same.
-    k.utforSqlite("DROP INDEX DataLinjer_Tid_C; PRAGMA query_only = 1");
-    svar(u"1"_s, u"1"_s, dialogs::Svar::Nei);
-    EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
-    EXPECT_EQ(mappe.les(SnuPunkter), tilfeller[0].snu);
-    k.utforSqlite("PRAGMA query_only = 0");
-    svar(u"1"_s, u"1"_s, dialogs::Svar::Nei);
-    EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig);
-    EXPECT_EQ(mappe.les(u"SokStart.txt"_s), "23.11.2012 14:01:00!1\r\n");  // the search start and threshold
-
-    // The command built the column's time index, and every statement of the search reads that
-    // index alone, in its order, without a sort.
+    // The command built the column's time index, and every statement of the search reads that index
+    // alone, in its order, without a sort. (That a search goes on when the index cannot be written is
+    // the fault-injection test's part.)
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
     for (const QString& s :
          {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
@@ -93,54 +80,50 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
 {
     dialogs.svar(u"50"_s);
     EXPECT_EQ(vindu().Command7_Click(), Utfall::Avvist);  // an empty table ends silently
-    EXPECT_TRUE(dialogs.dialoger().size() == 1 && dialogs.meldinger().isEmpty());
+    QString logg = test::forlop(dialogs);
     fyll(Sykluser);
-    // Every refusal says so with an information box; sletter: a SnuPunkter.txt from an earlier
-    // run, under any case of its name, is gone.
+    // Every refusal says so with an information box. A SnuPunkter.txt from an earlier run, under
+    // any case of its name (planted when given), is gone when the search has begun.
     auto avvist = [&](int kolonne, std::vector<dialogs::SkriptDialogs::Svaret> svar, const char* hva,
-                      const QString& melding = Feil, bool sletter = false) {
-        const QString navn = melding == Feil ? SnuPunkter : u"Snupunkter.txt"_s;
-        if (sletter) {
-            mappe.skriv(navn, "01.01.2012\r\n");
-            mappe.skriv(u"SokStart.txt"_s, "01.01.2012!1\r\n");
-        }
+                      const QString& tidligere = {}) {
+        if (!tidligere.isEmpty()) mappe.skriv(tidligere, "01.01.2012\r\n"), mappe.skriv(SokStart, "01.01.2012!1\r\n");
+        const size_t fra = dialogs.dialoger().size();
         f->velgKolonne(kolonne);
         for (const auto& s : svar) dialogs.svar(s);
         EXPECT_EQ(f->Command7_Click(), Utfall::Avvist) << hva;
-        EXPECT_EQ(dialogs.dialoger().back().tekst, melding) << hva;
-        EXPECT_EQ(dialogs.dialoger().back().ikon, dialogs::Ikon::Informasjon) << hva;
-        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << hva;
-        EXPECT_FALSE(sletter && (QFile::exists(mappe.sti(navn)) || QFile::exists(mappe.sti(u"SokStart.txt"_s)))) << hva;
+        logg += u"\n== "_s + QLatin1String(hva) + '\n' + test::forlop(dialogs, fra);
+        EXPECT_FALSE(!tidligere.isEmpty() &&
+                     (QFile::exists(mappe.sti(tidligere)) || QFile::exists(mappe.sti(SokStart))))
+            << hva;
     };
-    avvist(0, {u"1"_s, u"0.02"_s}, "no hit: 0,01 lies on the search start",
-           u"Ingen datapunkter er lavere enn den angitte verdien (0,02)"_s, true);
-    avvist(0, {u"1"_s, QString()}, "Cancel at the threshold", Feil, true);
+    avvist(0, {u"1"_s, u"0.02"_s}, "no hit: 0,01 lies on the search start", u"Snupunkter.txt"_s);
+    avvist(0, {u"1"_s, QString()}, "Cancel at the threshold", SnuPunkter);
     avvist(0, {QString()}, "Cancel at the start minutes");
     avvist(0, {u"en time"_s}, "start minutes no number");
     avvist(0, {u"1"_s, u"lav"_s}, "threshold no number");
     avvist(2, {u"1"_s}, "a letter the table does not have");
     avvist(3, {u"1"_s}, "an entry without a letter");
-    avvist(0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, "no row after the search start");
     // Without a row after the search start the prompt shows no number and proposes nothing.
-    const auto& uten = dialogs.dialoger()[dialogs.dialoger().size() - 2];
-    EXPECT_EQ(uten.tekst + '|' + uten.forslag, u"Den minste verdien er . Oppgi søkeverdien som skal brukes under:|"_s);
+    avvist(0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, "no row after the search start");
 
     // A write-protected file of an earlier search is neither removed nor replaced: the search
     // ends with its error message before the threshold is asked for, and both files stay.
-    for (const QString& navn : {SnuPunkter, u"SokStart.txt"_s}) {
+    for (const QString& navn : {SnuPunkter, SokStart}) {
         mappe.skriv(SnuPunkter, "01.01.2012\r\n");
-        mappe.skriv(u"SokStart.txt"_s, "01.01.2012!1\r\n");
+        mappe.skriv(SokStart, "01.01.2012!1\r\n");
         QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner);
         avvist(0, {u"1"_s}, "write-protected");
-        EXPECT_EQ(mappe.les(SnuPunkter) + mappe.les(u"SokStart.txt"_s), "01.01.2012\r\n01.01.2012!1\r\n");
+        EXPECT_EQ(mappe.les(SnuPunkter) + mappe.les(SokStart), "01.01.2012\r\n01.01.2012!1\r\n");
         EXPECT_EQ(dialogs.grunner().last(),
                   u"Kan ikke slette fila "_s + mappe.sti(navn) + u": fila er skrivebeskyttet"_s);
         QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner | QFile::WriteOwner);
     }
 
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
+    const size_t fra = dialogs.dialoger().size();
     EXPECT_EQ(vindu({}).Command7_Click(), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), analysis::IngenData);
+    test::sjekkGull(u"analysis/gull/Syklusfinning.Avvist.txt"_s,
+                    logg + u"\n== nothing imported\n"_s + test::forlop(dialogs, fra));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "felles/Eksportmappe.h"
 
+#include "app/FrmGraph.h"
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
@@ -7,37 +8,103 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
+#include <map>
 
 namespace test {
 
 QString tidTekst(int s) { return QString::asprintf("2012/11/23 ,%02d:%02d:%02d,1.", s / 3600, s / 60 % 60, s % 60); }
 
-QVariantList Bok::diagrammer(int ark, const char* felt) const
+QString endringer(const Bok& mal, const Bok& bok)
 {
-    QVariantList ut;
-    for (const auto& d : json[QStringLiteral("diagrammer")][ark - 1].toArray())
-        ut << d[QLatin1String(felt)].toVariant();
+    const auto tekst = [](const Bok& b, const QString& a) -> std::optional<QString> {
+        if (!b.celler.contains(a)) return std::nullopt;
+        return b.formler.contains(a) ? b.formler[a].toString() : b.celler[a].toVariant().toString();
+    };
+    static const QRegularExpression adresse(u"^([A-Z]+)(\\d+)$"_s);
+    std::map<QString, std::map<int, std::optional<QString>>> kolonner;  // column -> row -> text, none when emptied
+    for (const QString& a : mal.celler.keys() + bok.celler.keys()) {
+        const auto m = adresse.match(a);
+        if (tekst(mal, a) != tekst(bok, a)) kolonner[m.captured(1)][m.captured(2).toInt()] = tekst(bok, a);
+    }
+    QString ut;
+    for (const auto& [kolonne, rader] : kolonner) {
+        ut += kolonne + ':';
+        for (auto r = rader.begin(); r != rader.end(); ++r) {
+            if (r->second) {
+                ut += u" %1=%2"_s.arg(r->first).arg(*r->second);
+                continue;
+            }
+            const int fra = r->first;
+            while (std::next(r) != rader.end() && !std::next(r)->second && std::next(r)->first == r->first + 1) ++r;
+            ut += (fra == r->first ? u" %1 tom"_s.arg(fra) : u" %1-%2 tom"_s.arg(fra).arg(r->first));
+        }
+        ut += '\n';
+    }
+    for (const char* del : {"ark", "diagrammer"})
+        if (bok.json[QLatin1String(del)] != mal.json[QLatin1String(del)])
+            ut += QLatin1String(del) + u": "_s +
+                  QJsonDocument(bok.json[QLatin1String(del)].toArray()).toJson(QJsonDocument::Compact) + '\n';
     return ut;
 }
 
-QStringList Bok::tekster(const QStringList& adresser) const
+QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret)
 {
-    QStringList ut;
-    for (const QString& a : adresser)
-        ut << (a.startsWith(QLatin1Char('=')) ? formler[a.mid(1)].toString().toUpper().remove(QLatin1Char(' '))
-                                              : celler[a].toVariant().toString());
-    return ut;
-}
-
-Bok lesArbeidsbok(const QString& fil, bool bufret)
-{
+    QStringList argumenter = QStringList{QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py")} + filer;
+    if (bufret) argumenter << QStringLiteral("--bufret");
     QProcess p;
-    p.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(TOLVIK_TESTDATA "/felles/les_arbeidsbok.py"), fil,
-                                                 bufret ? QStringLiteral("--bufret") : QString()});
+    p.start(QStringLiteral("/usr/bin/python3"), argumenter);
     p.waitForFinished(120000);
-    EXPECT_EQ(p.exitCode(), 0) << fil.toStdString() << ": " << p.readAllStandardError().toStdString();
-    const QJsonObject o = QJsonDocument::fromJson(p.readAllStandardOutput()).object();
-    return {o, o[QStringLiteral("celler")].toObject(), o[QStringLiteral("formler")].toObject()};
+    EXPECT_EQ(p.exitCode(), 0) << filer.join(' ').toStdString() << ": " << p.readAllStandardError().toStdString();
+    QList<Bok> boker;
+    for (const auto& b : QJsonDocument::fromJson(p.readAllStandardOutput()).array()) {
+        const QJsonObject o = b.toObject();
+        boker.append({o, o[QStringLiteral("celler")].toObject(), o[QStringLiteral("formler")].toObject()});
+    }
+    if (boker.size() != filer.size()) boker.resize(filer.size());  // a failed read: empty ones, the test fails
+    return boker;
+}
+
+Bok lesArbeidsbok(const QString& fil, bool bufret) { return lesArbeidsboker({fil}, bufret).value(0); }
+
+QString forlop(const dialogs::SkriptDialogs& skript, size_t fra)
+{
+    using dialogs::SkriptDialogs;
+    QString ut;
+    for (size_t i = fra; i < skript.dialoger().size(); ++i) {
+        const SkriptDialogs::Dialog& d = skript.dialoger()[i];
+        const QString tekst = QString(d.tekst).replace('\n', u"\\n"_s);
+        if (d.type != SkriptDialogs::Type::Melding)
+            ut += u"? %1 | %2 | %3\n"_s.arg(tekst, d.tittel, d.forslag);
+        else
+            ut += u"! "_s + QStringList{{}, u"(i) "_s, u"(?) "_s}[static_cast<int>(d.ikon)] +
+                  (d.knapper == dialogs::Knapper::JaNei ? u"[Ja/Nei] "_s : QString()) + tekst +
+                  (d.tittel == dialogs::ProgramTittel ? QString() : u" — "_s + d.tittel) + u"\n"_s;
+    }
+    return ut.replace(vb::dagensDatoTekst(), u"<i dag>"_s);
+}
+
+QString vist(const app::FrmGraph& g)
+{
+    static const QRegularExpression merke(u"<[^>]*>"_s);
+    const QPointF t = g.tidsomrade(), v = g.verdiomrade();
+    const QString forklaring = g.findChild<QLabel*>(u"Forklaring"_s)->text().remove(merke).replace(u"&nbsp;"_s, u" "_s);
+    return u"tid %1 til %2, verdi %3 til %4 | %5| %6\n"_s.arg(t.x())
+        .arg(t.y())
+        .arg(v.x(), 0, 'g', 4)
+        .arg(v.y(), 0, 'g', 4)
+        .arg(forklaring.simplified(), g.avlesningTekst());
+}
+
+void sjekkGull(const QString& navn, const QString& tekst)
+{
+    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
+    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
+        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
+        return;
+    }
+    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
+    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
 }
 
 Eksportmappe::Eksportmappe()

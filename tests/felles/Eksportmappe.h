@@ -31,12 +31,24 @@ struct Bok {
     QJsonObject celler;   // sheet 1: address -> value (for a formula its text, or its cached value when bufret)
     QJsonObject formler;  // sheet 1: address -> formula text
     QJsonValue operator[](const QString& adresse) const { return celler.value(adresse); }
-    // The cells' values as texts ("" for none); "=F3" gives F3's formula in capitals without blanks.
-    QStringList tekster(const QStringList& adresser) const;
-    // The given field of every chart on sheet ark (from 1).
-    QVariantList diagrammer(int ark, const char* felt) const;
 };
+// What bok holds otherwise than the template mal: a line per column of sheet 1 with its changed cells
+// as row=text (a formula's text, not its value) and the runs of rows it emptied as row-row tom; then
+// the sheet names and the charts (title and axis minimum per sheet) where they differ.
+QString endringer(const Bok& mal, const Bok& bok);
+// Several workbooks in one Python run, in the order named.
+QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
+
+// Every box shown from the fra-th on, one a line: "! text" for a message, with its icon ((i), (?)) and
+// [Ja/Nei] before the text and a title other than the program's after " — "; "? prompt | title |
+// proposal" for an input box. Line breaks within a text as \n, today's date as <i dag>.
+QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
+// What the graph window shows: the minutes and values in view (4 digits), the legend as plain text,
+// and the readout.
+QString vist(const app::FrmGraph& g);
+// tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
+void sjekkGull(const QString& navn, const QString& tekst);
 
 class Eksportmappe : public MedVindu {
 protected:
@@ -48,10 +60,6 @@ protected:
     void sykluser(const char* fra, const char* til)
     {
         sett(dialogs::Boks::Text4, fra), sett(dialogs::Boks::Text6, til);
-    }
-    void svar(std::initializer_list<dialogs::SkriptDialogs::Svaret> svar)
-    {
-        for (const auto& s : svar) dialogs.svar(s);
     }
     // One measurement row, and rows every steg seconds from fra to til (both included) in one transaction.
     void rad(int sekunder, const Verdier& verdier);
