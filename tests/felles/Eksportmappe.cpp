@@ -109,8 +109,7 @@ void sjekkGull(const QString& navn, const QString& tekst)
 
 Eksportmappe::Eksportmappe()
 {
-    for (const QString& mal : QDir(QStringLiteral(TOLVIK_DIST)).entryList({QStringLiteral("Mal_*")}))
-        if (!QFile::copy(QStringLiteral(TOLVIK_DIST "/") + mal, mappe.sti(mal))) ADD_FAILURE() << mal.toStdString();
+    mappe.kopierMaler();
     QStringList linjer;
     for (int k = 3; k <= 11; ++k)
         linjer << files::kolonneLinje(QStringLiteral("Masse %1").arg(k + 9), files::kolonneBokstav(k));
@@ -142,7 +141,5 @@ void Eksportmappe::snupunkter(const QList<int>& sekunder)
     for (int s : sekunder) tekster << vb::Dato::fra(2012, 11, 23, s / 3600, s / 60 % 60, s % 60).generellTekst();
     files::SkrivTilFil(mappe.sti(QStringLiteral("SnuPunkter.txt")), tekster.join(QLatin1Char('!')));
 }
-
-QString Eksportmappe::label4() const { return f->findChild<QLabel*>(QStringLiteral("Label4"))->text(); }
 
 }  // namespace test

@@ -68,11 +68,7 @@ protected:
 
     QString ut(const QString& navn) const { return mappe.sti(QStringLiteral("Data_Bearbeidet/") + navn); }
     QStringList utfiler() const { return QDir(ut(QString())).entryList(QDir::Files, QDir::Name); }
-    QString label4() const;
-    Kjoring batch(const QStringList& argumenter) const  // tolvik-batch on this folder
-    {
-        return test::batch(QStringList{QStringLiteral("--folder"), mappe.mappe()} + argumenter);
-    }
+    Kjoring batch(const QStringList& argumenter) const { return mappe.batch(argumenter); }
 };
 
 }  // namespace test
