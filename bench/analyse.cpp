@@ -98,9 +98,31 @@ void fyll(const QString& mappe, long long linjer)
 
 double sekunder(const QElapsedTimer& t) { return static_cast<double>(t.nsecsElapsed()) / 1e9; }
 
+// Processor time of the whole process (every thread) in seconds.
+double cpuSekunder()
+{
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / 1e9;
+}
+
+// Wall and processor time of a piece of work, in seconds.
+struct Maling {
+    double vegg = 0, cpu = 0;
+};
+class Stoppeklokke {
+public:
+    Stoppeklokke() : cpu_(cpuSekunder()) { vegg_.start(); }
+    Maling les() const { return {sekunder(vegg_), cpuSekunder() - cpu_}; }
+
+private:
+    QElapsedTimer vegg_;
+    double cpu_;
+};
+
 // One full read of the column in ID order, as plain SQLite on a connection of its own
 // (keyed as the program's), so that the figure is SQLite's and not the program's.
-double fullLesing(const QString& data, const QString& K, long long& rader)
+Maling fullLesing(const QString& data, const QString& K, long long& rader)
 {
     sqlite3* db = nullptr;
     if (sqlite3_open_v2(QFile::encodeName(data).constData(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
@@ -109,8 +131,7 @@ double fullLesing(const QString& data, const QString& K, long long& rader)
     // The key is worked out at the first read, which is left out of the time as it is for the program.
     sqlite3_exec(db, "PRAGMA cipher_page_size = 4096; PRAGMA cache_size = -8000; SELECT count(*) FROM sqlite_master",
                  nullptr, nullptr, nullptr);
-    QElapsedTimer t;
-    t.start();
+    const Stoppeklokke t;
     sqlite3_stmt* s = nullptr;
     sqlite3_prepare_v2(db, ("SELECT " + K + " FROM DataLinjer ORDER BY ID").toLatin1().constData(), -1, &s, nullptr);
     rader = 0;
@@ -119,7 +140,7 @@ double fullLesing(const QString& data, const QString& K, long long& rader)
         ++rader;
     }
     sqlite3_finalize(s);
-    const double tid = sekunder(t);
+    const Maling tid = t.les();
     sqlite3_close(db);
     return tid;
 }
@@ -204,15 +225,14 @@ double somEnSti(app::FrmGraph& g)
 }
 
 // Cycle finding through the real command: start 50 minutes, the proposed threshold, answer No.
-double syklusfinning(app::Form1& f, dialogs::SkriptDialogs& d, QString& resultat)
+Maling syklusfinning(app::Form1& f, dialogs::SkriptDialogs& d, QString& resultat)
 {
     d.svar(QStringLiteral("50"));
     d.svar(dialogs::SkriptDialogs::Forslag{});
     d.svar(dialogs::Svar::Nei);
-    QElapsedTimer t;
-    t.start();
+    const Stoppeklokke t;
     f.Command7_Click();
-    const double tid = sekunder(t);
+    const Maling tid = t.les();
     resultat = d.meldinger().value(d.meldinger().size() - 1).section(QLatin1Char('.'), 0, 0);
     return tid;
 }
@@ -228,15 +248,16 @@ int mal(const QString& mappe)
 
     long long rader = 0;
     fullLesing(data, K, rader);  // warms the file cache
-    const double full = fullLesing(data, K, rader);
+    const Maling full1 = fullLesing(data, K, rader);
     QString resultat;
-    const double forste = syklusfinning(f, dialogs, resultat);
+    const Maling forste = syklusfinning(f, dialogs, resultat);
     // Later searches: the middle of three.
     std::array<double, 3> senere{};
-    for (double& tid : senere) tid = syklusfinning(f, dialogs, resultat);
+    for (double& tid : senere) tid = syklusfinning(f, dialogs, resultat).vegg;
     std::sort(senere.begin(), senere.end());
     const double andre = senere[1];
-    const double full2 = fullLesing(data, K, rader);
+    const Maling full2 = fullLesing(data, K, rader);
+    const Maling full{(full1.vegg + full2.vegg) / 2, (full1.cpu + full2.cpu) / 2};
 
     // The search above left its marks, so the window draws them too.
     double lasting = 0, vist = 0, sti = 0, bygget = 0, syklusVist = 0;
@@ -275,12 +296,13 @@ int mal(const QString& mappe)
     for (const auto& e : endringer) verst = std::max(verst, e.second);
 
     std::printf("rader %lld, kolonne %s, %s\n", rader, qPrintable(K), qPrintable(resultat));
-    std::printf("full lesing av kolonnen (SELECT %s FROM DataLinjer ORDER BY ID): %.3f s\n", qPrintable(K),
-                (full + full2) / 2);
-    std::printf("syklusfinning, første gang etter importen: %.3f s  (forhold %.2f), krav forhold <= 1\n", forste,
-                forste / ((full + full2) / 2));
+    std::printf("full lesing av kolonnen (SELECT %s FROM DataLinjer ORDER BY ID): %.3f s (CPU %.3f s)\n", qPrintable(K),
+                full.vegg, full.cpu);
+    std::printf("syklusfinning, første gang etter importen: %.3f s (CPU %.3f s, på to tråder)  (forhold %.2f, CPU "
+                "%.2f), krav forhold <= 0,9\n",
+                forste.vegg, forste.cpu, forste.vegg / full.vegg, forste.cpu / full.cpu);
     std::printf("syklusfinning med indeks: %.3f s (%.3f-%.3f)  (forhold %.2f), krav < 0,5 s\n", andre, senere[0],
-                senere[2], andre / ((full + full2) / 2));
+                senere[2], andre / full.vegg);
     std::printf(
         "graf, innlasting: %.3f s (av det vinduet bygget: %.3f s); vinduet vist og tegnet: %.3f s, krav < 1 s\n",
         lasting, bygget, vist);
@@ -295,7 +317,7 @@ int mal(const QString& mappe)
     std::printf("sykluser over hverandre (%zu sykluser, %zu rader): åpnet og tegnet %.3f s, krav < 0,5 s; "
                 "verste visningsendring %.1f ms, krav < 50 ms\n",
                 sykluser, syklusRader, syklusVist, syklusVerst);
-    if (forste > (full + full2) / 2 || andre >= 0.5 || vist >= 1.0 || verst >= 100 || sykluser == 0 ||
+    if (forste.vegg > 0.9 * full.vegg || andre >= 0.5 || vist >= 1.0 || verst >= 100 || sykluser == 0 ||
         syklusVist >= 0.5 || syklusVerst >= 50) {
         std::puts("FOR TREG");
         return 1;

@@ -28,10 +28,7 @@ Gjennomlop lop(Kontekst& k, const QString& K, float T, const vb::Dato& sokStart)
 {
     Gjennomlop g{T, {}};
     int16_t N = 1;
-    auto poster = store::treff(k.tilkobling, K, vb::sqlTekst(T), sokStart);
-    const int tid = poster.kolonne("DatoTid");
-    for (; !poster.eof(); poster.moveNext()) {
-        const vb::Dato t = poster.dato(tid);
+    for (const vb::Dato& t : store::treffTider(k.tilkobling, K, vb::sqlTekst(T), sokStart)) {
         if (g.grupper.empty()) {
             g.grupper.push_back({t, t});
         } else if (erGap(g.grupper.back().slutt, t)) {

@@ -50,8 +50,8 @@ Utfall finnSykluser(Kontekst& k)
     const QString forslag = Minimum ? vb::tekst(100.0 * *Minimum) : QString();
     const float V = vb::enkel(k.dialogs.inndata(SporTerskel.tekst.arg(minTekst), SporTerskel.tittel, forslag));
 
-    auto poster = store::treff(k.tilkobling, K, vb::sqlTekst(V), sokStart);
-    if (poster.eof()) {
+    const std::vector<vb::Dato> tider = store::treffTider(k.tilkobling, K, vb::sqlTekst(V), sokStart);
+    if (tider.empty()) {
         k.dialogs.info(QStringLiteral("Ingen datapunkter er lavere enn den angitte verdien (") + vb::tekst(V) +
                        QLatin1Char(')'));
         return Utfall::Avvist;
@@ -61,11 +61,9 @@ Utfall finnSykluser(Kontekst& k)
     std::vector<vb::Dato> S;
     int16_t N = 0;
     int32_t I = 0;
-    const vb::Dato F = poster.dato("DatoTid");
+    const vb::Dato F = tider.front();
     vb::Dato G = F, P = F;
-    const int tid = poster.kolonne("DatoTid");
-    for (; !poster.eof(); poster.moveNext()) {
-        const vb::Dato t = poster.dato(tid);
+    for (const vb::Dato& t : tider) {
         if (erGap(P, t)) {
             const vb::Dato E = P;
             if (N == 0) I = vb::heltall32(static_cast<double>(vb::minutterMellom(E, t)));

@@ -95,14 +95,17 @@ void LagIntegreringsfil(Kontekst& k, const QString& Filnavn, db::Recordset& Post
     }
     const int dekket = ark.fyllNed();  // the area elements of column G reach every written row
     ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G") + tall(rad - 1) + QLatin1Char(')'));
+    // The area is computed, and the template's rows below the cycle emptied, while the last
+    // cycle's workbooks are still being saved.
+    const xlsx::Verdi areal = ark.celle(17, KolonneL);
+    for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
     // The summary as the last cycle's saves left it: the template carries the areas on.
     lagring.vent();
     auto samle = xlsx::apne(k.sti(MalAlle));
     xlsx::Arbeidsark& samleark = samle->ark(1);
     if (SyklusNr == 1)
         for (int r = 2; harTekst(samleark.celle(r, KolonneB)); ++r) samleark.settCelle(r, KolonneB, xlsx::Verdi{});
-    samleark.settCelle(SyklusNr + 1, KolonneB, ark.celle(17, KolonneL));
-    for (int r = rad; r <= SisteRad; ++r) ark.tomRad(r);
+    samleark.settCelle(SyklusNr + 1, KolonneB, areal);
 
     const int samleDekket = samleark.fyllNed();
     const QString fil = Filnavn + QLatin1Char('_') + tall(SyklusNr) + QStringLiteral(".xlsx");

@@ -1,6 +1,9 @@
 #include "store/Setninger.h"
 
 #include <QStringList>
+#include <algorithm>
+#include <future>
+#include <type_traits>
 
 namespace store {
 
@@ -79,17 +82,18 @@ void tidsindeksVedImport(db::Database& d, const QString& K)
     d.utforSqlite(indeks.constData());
 }
 
-QString setning::minimum(const QString& K, const vb::Dato& sokStart)
+QString setning::minimum(const QString& K, const vb::Dato& sokStart, const std::optional<vb::Dato>& til)
 {
     return QStringLiteral("Select min(") + bokstav(K) + QStringLiteral(") as Minimum from DataLinjer where ") +
-           tidsvilkar(">", sokStart);
+           tidsvilkar(">", sokStart) + (til ? QStringLiteral(" and ") + tidsvilkar("<=", *til) : QString());
 }
 
-QString setning::treff(const QString& K, const QString& terskel, const vb::Dato& sokStart)
+QString setning::treff(const QString& K, const QString& terskel, const vb::Dato& sokStart,
+                       const std::optional<vb::Dato>& til)
 {
     return QStringLiteral("Select DatoTid, ") + bokstav(K) + QStringLiteral(" as Verdi from Datalinjer where ") + K +
            QStringLiteral(" < ") + terskel + QStringLiteral(" and ") + tidsvilkar(">", sokStart) +
-           QStringLiteral(" order by ID");
+           (til ? QStringLiteral(" and ") + tidsvilkar("<=", *til) : QString()) + QStringLiteral(" order by ID");
 }
 
 QString setning::snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K)
@@ -167,16 +171,68 @@ void forberedSok(db::Database& d, const QString& K)
     }
 }
 
-std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
+namespace {
+
+std::optional<double> minimumMellom(db::Database& d, const QString& K, const vb::Dato& fra,
+                                    const std::optional<vb::Dato>& til)
 {
-    auto poster = d.spor(setning::minimum(K, sokStart));
+    auto poster = d.spor(setning::minimum(K, fra, til));
     if (poster.eof() || poster.erNull("Minimum")) return std::nullopt;
     return poster.tall("Minimum");
 }
 
-db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart)
+std::vector<vb::Dato> treffMellom(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& fra,
+                                  const std::optional<vb::Dato>& til)
 {
-    return d.spor(setning::treff(K, terskel, sokStart));
+    std::vector<vb::Dato> tider;
+    auto poster = d.spor(setning::treff(K, terskel, fra, til));
+    for (const int tid = poster.kolonne("DatoTid"); !poster.eof(); poster.moveNext()) tider.push_back(poster.dato(tid));
+    return tider;
+}
+
+// A search reads the whole span after its start. A span of more than a day is read in two halves
+// at once, the later one on a connection of its own (the key is derived once per file), each as
+// les(database, fra, til) gives it; the halves meet at a time, so they never overlap and miss
+// nothing. Without delt, or for a shorter span, the whole span is the first half.
+using Til = std::optional<vb::Dato>;
+template <class Les, class Del = std::invoke_result_t<const Les&, db::Database&, const vb::Dato&, const Til&>>
+std::pair<Del, std::optional<Del>> todelt(db::Database& d, const vb::Dato& fra, bool delt, const Les& les)
+{
+    constexpr int64_t Dag = 24 * 60;
+    const Til siste = delt ? sisteTid(d) : std::nullopt;
+    const int64_t spenn = siste ? vb::minutterMellom(fra, *siste) : 0;
+    if (spenn <= Dag) return {les(d, fra, {}), std::nullopt};
+    const vb::Dato midt = fra.leggTilMinutter(static_cast<double>(spenn / 2));
+    auto senere = std::async(std::launch::async, [&les, fil = d.fil(), midt] {
+        db::Database andre(fil);
+        return les(andre, midt, {});
+    });
+    Del forst = les(d, fra, midt);
+    return {std::move(forst), senere.get()};
+}
+
+}  // namespace
+
+std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
+{
+    bokstav(K);
+    auto [forst, sist] = todelt(d, sokStart, true, [&K](db::Database& db, const vb::Dato& fra, const Til& til) {
+        return minimumMellom(db, K, fra, til);
+    });
+    if (!sist || !*sist) return forst;
+    return forst ? std::min(*forst, **sist) : *sist;
+}
+
+std::vector<vb::Dato> treffTider(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart)
+{
+    bokstav(K);
+    // The halves follow each other in ID order only when time does.
+    auto [forst, sist] =
+        todelt(d, sokStart, d.tidFolgerId(), [&](db::Database& db, const vb::Dato& fra, const Til& til) {
+            return treffMellom(db, K, terskel, fra, til);
+        });
+    if (sist) forst.insert(forst.end(), sist->begin(), sist->end());
+    return forst;
 }
 
 vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K)

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace store {
 
@@ -33,8 +34,11 @@ inline constexpr int RadTekster = 2, RadVerdier = 10;
 
 // The texts of the statements with arguments, as the queries below send them.
 namespace setning {
-QString minimum(const QString& K, const vb::Dato& sokStart);
-QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart);
+// The smallest value after sokStart (up to til inclusive, when given).
+QString minimum(const QString& K, const vb::Dato& sokStart, const std::optional<vb::Dato>& til = {});
+// (up to til inclusive, when given)
+QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart,
+              const std::optional<vb::Dato>& til = {});
 // The row of a span's smallest (minste) or largest value: from fra inclusive to til exclusive.
 QString snuPunkt(const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);
 // The row of a span's largest value, both ends exclusive.
@@ -75,9 +79,9 @@ bool harRader(db::Database& d);
 void forberedSok(db::Database& d, const QString& K);
 // The column's smallest value after the search start (empty when no row lies after it).
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart);
-// DatoTid and Verdi of the rows after the search start whose value in K lies below the
-// threshold (its statement text), in ID order.
-db::Recordset treff(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart);
+// DatoTid of the rows after the search start whose value in K lies below the threshold (its
+// statement text), in ID order.
+std::vector<vb::Dato> treffTider(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart);
 // DatoTid of the row from fra (inclusive) to til (exclusive) holding the span's smallest
 // (minste) or largest value of K; the zero date-time when the span has no row.
 vb::Dato snuPunkt(db::Database& d, const vb::Dato& fra, const vb::Dato& til, bool minste, const QString& K);

@@ -66,6 +66,16 @@ TEST_F(Setninger, MinimumOgMaksimumHopperOverTommeFelt)
     // A "letter" from an edited Kolonner.txt that is none never reaches a statement.
     for (const char* K : {"C) from DataLinjer; --", "", "c", "1"})
         EXPECT_THROW(store::minimum(db, QString::fromUtf8(K), kl(0)), db::DbFeil) << K;
+    // Over more than a day the span is read in two halves: the smaller of their minimums, or the
+    // one half's when the other has none.
+    rad("25/11/2012 10:00:00", QStringLiteral("2, 9, 8"), QStringLiteral("C, D, E"));
+    EXPECT_EQ(store::minimum(db, QStringLiteral("C"), kl(0)), 2);
+    EXPECT_EQ(store::minimum(db, QStringLiteral("D"), kl(0)), 7);
+    EXPECT_EQ(store::minimum(db, QStringLiteral("E"), kl(0)), 8);
+    // So are the hit rows where time follows the IDs: the earlier half's first.
+    db.settRadorden(true, true);
+    EXPECT_EQ(store::treffTider(db, QStringLiteral("C"), QStringLiteral("4.5"), kl(0)),
+              (std::vector{kl(2), kl(4), vb::Dato::fra(2012, 11, 25, 10)}));
 }
 
 TEST_F(Setninger, ResultatIIdRekkefolgeOgsaNarTidenGarTilbake)

@@ -67,6 +67,7 @@ public:
     // A file that states neither is read plainly.
     void settRadorden(bool tidFolgerId, bool idUtenHull);
     bool idUtenHull() const { return idUtenHull_; }
+    bool tidFolgerId() const { return tidFolgerId_; }
 
 private:
     friend class Transaksjon;
