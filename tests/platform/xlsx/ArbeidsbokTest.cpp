@@ -61,11 +61,11 @@ TEST_F(HandlagetBok, FormlerFaarVerdiOgBeregningskjedenForsvinner)
     EXPECT_FALSE(til.count("xl/calcChain.xml"));
     EXPECT_FALSE(har(til["xl/_rels/workbook.xml.rels"].innhold, "calcChain"));
     EXPECT_FALSE(har(til["[Content_Types].xml"].innhold, "calcChain"));
-    EXPECT_EQ(til["xl/workbook.xml"].innhold, test::data("gold/workbook_uten_calcpr.xml"));
+    EXPECT_EQ(til["xl/workbook.xml"].innhold, test::data("gull/workbook_uten_calcpr.xml"));
 }
 
 // The charts in the drawing's order, the picture before them no chart object: titles as read, and the chart
-// parts a change writes, compared whole with gold/. A rich title keeps the formatting of its first paragraph
+// parts a change writes, compared whole with gull/. A rich title keeps the formatting of its first paragraph
 // and run (chart 1); a title from a cell becomes text (chart 3). Each axis is found by its id; the minimum
 // goes after orientation and max, before extLst, and replaces one there was. Line chart: the category axis;
 // scatter (chart 2): the value axis at the bottom.
@@ -82,7 +82,7 @@ TEST_F(HandlagetBok, DiagramobjekterITegningensRekkefolge)
     bok->lagreSom(ut);
     auto til = test::lesZip(ut);
     for (const std::string nr : {"1", "2", "3"})
-        EXPECT_EQ(til["xl/charts/chart" + nr + ".xml"].innhold, test::data("gold/handlaget_chart" + nr + ".xml")) << nr;
+        EXPECT_EQ(til["xl/charts/chart" + nr + ".xml"].innhold, test::data("gull/handlaget_chart" + nr + ".xml")) << nr;
     EXPECT_EQ(apne(ut)->ark(2).diagram(3).tittel(), QStringLiteral("Ny"));
 }
 

@@ -20,7 +20,7 @@ struct EttArk : Bokdeler {
 
 }  // namespace
 
-// The sheet written after a change is compared whole with gold/: what is untouched stays as read.
+// The sheet written after a change is compared whole with gull/: what is untouched stays as read.
 TEST(Ark, CellerAvHverArtSomXml)
 {
     EttArk bok;
@@ -43,7 +43,7 @@ TEST(Ark, CellerAvHverArtSomXml)
     a.settFormel(QStringLiteral("E3"), QStringLiteral("=E2+1"));
     a.settFormel(QStringLiteral("F2"), QStringLiteral("=A2>0"));
     a.tomRad(5);  // the cells with a style (even 0) or other attributes stay, empty
-    EXPECT_EQ(a.skriv(), test::data("gold/celler.xml"));
+    EXPECT_EQ(a.skriv(), test::data("gull/celler.xml"));
 }
 
 TEST(Ark, LesteCellerSkrivesSomDeStod)
@@ -61,7 +61,7 @@ TEST(Ark, LesteCellerSkrivesSomDeStod)
            QStringLiteral("3.5!")}));
     a.tomCelle(2, 2);
     a.settFormel(QStringLiteral("E2"), QStringLiteral("=B1"));  // a logical cell's value is a certain one
-    EXPECT_EQ(a.skriv(), test::data("gold/leste.xml"));
+    EXPECT_EQ(a.skriv(), test::data("gull/leste.xml"));
     // The same XML read again comes from the copy kept at the first reading: as it stood, not
     // as changed above; the changed sheet's own XML reads as changed.
     Ark b(bok, "xl/worksheets/sheet1.xml");
@@ -100,7 +100,7 @@ TEST(Ark, TomCelledataOgOdelagtArk)
     bok.xml = test::data("inn/tomt_ark.xml");  // without cells, but a drawing after them
     Ark a(bok, "xl/worksheets/sheet2.xml");
     a.settCelle(2, 3, 1e-13);
-    EXPECT_EQ(a.skriv(), test::data("gold/tomt_ark.xml"));
+    EXPECT_EQ(a.skriv(), test::data("gull/tomt_ark.xml"));
     for (const char* xml : {"<worksheet><sheetData><row></sheetData></worksheet>", "<worksheet><cols/></worksheet>"}) {
         bok.xml = xml;
         EXPECT_THROW(Ark(bok, "xl/worksheets/sheet3.xml").celle(1, 1), XlsxFeil) << xml;

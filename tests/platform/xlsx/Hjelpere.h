@@ -86,7 +86,7 @@ inline std::map<std::string, Oppforing> lesZip(const QString& sti)
 }
 
 // A data file beside these tests, as stored there: a part of the hand-made workbook in handlaget/,
-// a part to read in inn/, or the known-good XML a change writes in gold/.
+// a part to read in inn/, or the known-good XML a change writes in gull/.
 inline std::string data(const std::string& navn)
 {
     const QString sti = QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/") + QString::fromStdString(navn);
