@@ -21,33 +21,46 @@ ny_mappe; "$BATCH" --folder "$arbeid/m" import "$NY" >/dev/null; tilstand >"$arb
 ny_mappe; "$BATCH" --folder "$arbeid/m" import "$GAMMEL" >/dev/null; tilstand >"$arbeid/gammel"
 cp "$arbeid/m/Data.mdb" "$arbeid/m/Kolonner.txt" "$arbeid"/
 strace -o "$arbeid/spor" -e trace=$kall "$BATCH" --folder "$arbeid/m" import "$NY" >/dev/null
+# One run killed at call n (call k of its own kind, navn), in a folder of its own: what the next
+# start finds, told in one line; status 1 and the reason when it is wrong.
+prov() {
+  local n=$1 k=$2 navn=$3 m="$arbeid/m$1" status=0 fra usann
+  mkdir "$m" && cp "$DIST/Template.mdb" "$arbeid/Data.mdb" "$arbeid/Kolonner.txt" "$m/"
+  { strace -o /dev/null -e trace=$kall -e inject=$navn:signal=KILL:when=$k \
+    "$BATCH" --folder "$m" import "$NY" >/dev/null 2>&1; } 2>/dev/null || status=$?
+  [ "$status" -eq 137 ] || { echo "kall $n: ventet drept (137), fikk $status"; return 1; }
+  "$BATCH" --folder "$m" status >"$m.ut" 2>&1 || { echo "kall $n: status feilet:"; cat "$m.ut"; return 1; }
+  grep -E '^(Tolvik - |[* ] )' "$m.ut" >"$m.naa" || true
+  # A notice, if any, tells the outcome as it is.
+  if cmp -s "$m.naa" "$arbeid/ny"; then fra=ny usann="er som før"
+  elif cmp -s "$m.naa" "$arbeid/gammel"; then fra=gammel usann="fullført nå"
+  else echo "kall $n: Data.mdb og Kolonner.txt er blandet:"; cat "$m.ut"; return 1
+  fi
+  ! grep -q "$usann" "$m.ut" || { echo "kall $n: $fra, men meldingen sier «$usann»:"; cat "$m.ut"; return 1; }
+  rester=$(ls -A "$m" | grep -E '\.import|\.bytt|\.tmp[0-9]|-journal|\.lock' || true)
+  [ -z "$rester" ] || { echo "kall $n: igjen etter neste start: $rester"; return 1; }
+  sjekk=$(printf "PRAGMA key = 'tesko4NR'; PRAGMA cipher_page_size = 4096; PRAGMA integrity_check;\n" |
+    sqlcipher "$m/Data.mdb" 2>&1)
+  [ "$sjekk" = ok ] || { echo "kall $n: integrity_check: $sjekk"; return 1; }
+  echo "kall $n ($navn nr. $k): $fra"
+}
+
 # strace counts the calls of each system call apart: call n of the run is call k of its own kind.
 mapfile -t navn < <(grep -oE '^[a-z0-9]+' "$arbeid/spor")
 declare -A antall
-feil=0
-# The swap begins with the flush of the finished new database.
+# The swap begins with the flush of the finished new database. The runs are independent, three
+# at a time (most of their time is strace's stopping at each system call).
 forste=$(grep -n '^fsync(' "$arbeid/spor" | head -1 | cut -d: -f1)
 for ((n = 1; n <= ${#navn[@]}; n++)); do
   k=$(( ${antall[${navn[n-1]}]:-0} + 1 )); antall[${navn[n-1]}]=$k
   [ "$n" -ge "$forste" ] || continue
-  cp "$arbeid/Data.mdb" "$arbeid/Kolonner.txt" "$arbeid/m/"
-  status=0
-  { strace -o /dev/null -e trace=$kall -e inject=${navn[n-1]}:signal=KILL:when=$k \
-    "$BATCH" --folder "$arbeid/m" import "$NY" >/dev/null 2>&1; } 2>/dev/null || status=$?
-  [ "$status" -eq 137 ] || { echo "kall $n: ventet drept (137), fikk $status"; feil=1; continue; }
-  "$BATCH" --folder "$arbeid/m" status >"$arbeid/ut" 2>&1 || { echo "kall $n: status feilet:"; cat "$arbeid/ut"; feil=1; }
-  grep -E '^(Tolvik - |[* ] )' "$arbeid/ut" >"$arbeid/naa" || true
-  # A notice, if any, tells the outcome as it is.
-  if cmp -s "$arbeid/naa" "$arbeid/ny"; then fra=ny usann="er som før"
-  elif cmp -s "$arbeid/naa" "$arbeid/gammel"; then fra=gammel usann="fullført nå"
-  else echo "kall $n: Data.mdb og Kolonner.txt er blandet:"; cat "$arbeid/ut"; feil=1; continue
-  fi
-  ! grep -q "$usann" "$arbeid/ut" || { echo "kall $n: $fra, men meldingen sier «$usann»:"; cat "$arbeid/ut"; feil=1; }
-  rester=$(ls -A "$arbeid/m" | grep -E '\.import|\.bytt|\.tmp[0-9]|-journal|\.lock' || true)
-  [ -z "$rester" ] || { echo "kall $n: igjen etter neste start: $rester"; feil=1; }
-  sjekk=$(printf "PRAGMA key = 'tesko4NR'; PRAGMA cipher_page_size = 4096; PRAGMA integrity_check;\n" |
-    sqlcipher "$arbeid/m/Data.mdb" 2>&1)
-  [ "$sjekk" = ok ] || { echo "kall $n: integrity_check: $sjekk"; feil=1; }
-  echo "kall $n (${navn[n-1]} nr. $k): $fra"
+  while [ "$(jobs -rp | wc -l)" -ge 3 ]; do wait -n || true; done
+  { prov "$n" "$k" "${navn[n-1]}" >"$arbeid/rapport$n" 2>&1 || touch "$arbeid/feil$n"; } &
+done
+wait
+feil=0
+for ((n = forste; n <= ${#navn[@]}; n++)); do
+  cat "$arbeid/rapport$n"
+  [ ! -e "$arbeid/feil$n" ] || feil=1
 done
 exit $feil
