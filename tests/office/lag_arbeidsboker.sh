@@ -50,13 +50,14 @@ for sett in "${SETT[@]}"; do
   esac
 done
 
-for sett in "${SETT[@]}"; do
+# The workbooks of one set; the sets are independent folders and are written side by side.
+arbeidsboker() {
+  local sett=$1 innst=(--set Text4=1 --set Text6=2)
   mkdir -p "$UT/$sett/maler" && for m in "${MALER[@]}"; do cp "$UT/$sett/$m" "$UT/$sett/maler/"; done
-  innst=(--set Text4=1 --set Text6=2)
   batch "$sett" import "$UT/radata_2s.csv"
   batch "$sett" --adsorption find-cycles --start 50 --apply
   batch "$sett" "${innst[@]}" --adsorption export-single --prefix Enkel
-  [[ " ${BARE_ENKEL:-} " != *" $sett "* ]] || continue
+  [[ " ${BARE_ENKEL:-} " != *" $sett "* ]] || return 0
   batch "$sett" "${innst[@]}" --adsorption export-combined --prefix Ads
   mv "$UT/$sett/Data_Bearbeidet/Ads_Samlefil.xlsm" "$UT/$sett/Data_Bearbeidet/Ads_Samlefil_ads.xlsm"
   batch "$sett" --desorption find-cycles --start 50 --apply
@@ -64,4 +65,7 @@ for sett in "${SETT[@]}"; do
   batch "$sett" import "$UT/radata_1s.csv"
   batch "$sett" --desorption find-cycles --start 50 --apply
   batch "$sett" "${innst[@]}" integrate --prefix Int --before 40 --after 25
-done
+}
+jobber=()
+for sett in "${SETT[@]}"; do (arbeidsboker "$sett") & jobber+=($!); done
+for jobb in "${jobber[@]}"; do wait "$jobb"; done
