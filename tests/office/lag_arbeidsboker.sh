@@ -17,8 +17,8 @@ MALER=(Mal_Sykluser.xlsx Mal_Alle_Adsorpsjon.xlsm Mal_Alle_Desorpsjon.xlsm Mal_I
        Mal_desorpsjon_areal_alle.xlsx)
 
 # Raw data: 2 s sampling for the cycle exports, 1 s for the integration (rows past the template's 2 999).
-"$BUILD/tools/lag_radata" --hours 14 --interval 2 --seed 7 "$UT/radata_2s.csv"
-"$BUILD/tools/lag_radata" --hours 14 --interval 1 --seed 8 "$UT/radata_1s.csv"
+"$BUILD/tools/lag_radata" --hours 12 --interval 2 --seed 7 "$UT/radata_2s.csv"
+"$BUILD/tools/lag_radata" --hours 12 --interval 1 --seed 8 "$UT/radata_1s.csv"
 
 programmappe() {  # a copy of the program folder with the templates of set $1
   mkdir -p "$UT/$1"
@@ -68,4 +68,6 @@ arbeidsboker() {
 }
 jobber=()
 for sett in "${SETT[@]}"; do (arbeidsboker "$sett") & jobber+=($!); done
-for jobb in "${jobber[@]}"; do wait "$jobb"; done
+feil=0
+for jobb in "${jobber[@]}"; do wait "$jobb" || feil=1; done
+[ $feil -eq 0 ] || { echo "lag_arbeidsboker: et sett ble ikke ferdig (se over)"; exit 1; }
