@@ -12,17 +12,13 @@
 #include "export/Integrering.h"
 #include "export/Samlefil.h"
 #include "files/Tekstfil.h"
-#include "platform/db/Nokkel.h"
 #include "platform/dialogs/SkriptDialogs.h"
 #include "store/Import.h"
-#include "store/Maledata.h"
 
 #include <QApplication>
 #include <QDialog>
-#include <QFile>
 #include <QFileInfo>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -348,10 +344,6 @@ int kjorBatch(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     sikreKjoremappe();
-    // The database key of the folder given is derived while Qt starts.
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::strcmp(argv[i], "--folder") == 0)
-            db::forberedNokkel(QFile::decodeName(argv[i + 1]) + QLatin1Char('/') + store::DataFil);
     QApplication app(argc, argv);
     QStringList args = QCoreApplication::arguments();
     args.removeFirst();

@@ -215,7 +215,7 @@ std::pair<Del, std::optional<Del>> todelt(db::Database& d, const vb::Dato& fra, 
 
 std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato& sokStart)
 {
-    bokstav(K);
+    bokstav(K);  // a letter that is none fails here, before a second connection is opened
     auto [forst, sist] = todelt(d, sokStart, true, [&K](db::Database& db, const vb::Dato& fra, const Til& til) {
         return minimumMellom(db, K, fra, til);
     });
@@ -225,7 +225,7 @@ std::optional<double> minimum(db::Database& d, const QString& K, const vb::Dato&
 
 std::vector<vb::Dato> treffTider(db::Database& d, const QString& K, const QString& terskel, const vb::Dato& sokStart)
 {
-    bokstav(K);
+    bokstav(K);  // as in minimum
     // The halves follow each other in ID order only when time does.
     auto [forst, sist] =
         todelt(d, sokStart, d.tidFolgerId(), [&](db::Database& db, const vb::Dato& fra, const Til& til) {

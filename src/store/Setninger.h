@@ -36,7 +36,7 @@ inline constexpr int RadTekster = 2, RadVerdier = 10;
 namespace setning {
 // The smallest value after sokStart (up to til inclusive, when given).
 QString minimum(const QString& K, const vb::Dato& sokStart, const std::optional<vb::Dato>& til = {});
-// (up to til inclusive, when given)
+// The rows below the threshold after sokStart (up to til inclusive, when given), in ID order.
 QString treff(const QString& K, const QString& terskel, const vb::Dato& sokStart,
               const std::optional<vb::Dato>& til = {});
 // The row of a span's smallest (minste) or largest value: from fra inclusive to til exclusive.

@@ -1,7 +1,6 @@
 # Prints as JSON, one object per workbook named, what the export tests read of it: sheet names, sheet 1's cells (a
 # formula's cached value with --bufret, else its text) and formulas, per sheet the charts' title and x axis minimum,
 # and the package type. Several workbooks in one run spare the tests a Python start and an openpyxl import each.
-import functools
 import json
 import sys
 import zipfile
@@ -11,7 +10,6 @@ from openpyxl.formula.translate import Translator
 
 # openpyxl translates a shared formula's master anew into every cell of its range, some 8 000 in a cycle workbook and
 # most of the time of a read. A translation is pure, and workbooks read together share their masters: each is made once.
-Translator.translate_range = staticmethod(functools.lru_cache(maxsize=None)(Translator.translate_range))
 oversett = Translator.translate_formula
 oversatt = {}
 
