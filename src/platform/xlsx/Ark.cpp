@@ -72,10 +72,11 @@ void Ark::last()
         formler_.reserve(2 * kjent->formler.size());
         formler_.assign(kjent->formler.begin(), kjent->formler.end());
         antallFormler_ = kjent->antallFormler;
+        lagrede_ = kjent->lagrede;
     } else {
         tolk(bok_.lesDel(sti_));
         husket.push_back(
-            {std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, ekstra_, antallFormler_});
+            {std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, ekstra_, antallFormler_, lagrede_});
         if (husket.size() > Husket) husket.pop_front();
     }
     lastet_ = true;
@@ -117,6 +118,7 @@ void Ark::tolk(const std::string& xml)
     size_t antall = 0;
     for (size_t p = xml.find(fTagg, start); p < slutt; p = xml.find(fTagg, p + fTagg.size())) ++antall;
     formler_.reserve(antall);
+    lagrede_ = std::make_shared<Lagrede>();
 
     // A shared formula's first cell; its parse serves every cell of the group, since a parse
     // is independent of the cell it stands in.
@@ -180,27 +182,27 @@ void Ark::tolk(const std::string& xml)
                 std::from_chars(vt, vt + std::strlen(vt), celle.tall);
             }
             if (pugi::xml_node f = barn(c, "f")) {
-                FormelDel fd;
-                fd.rad = radNr;
+                std::shared_ptr<const formel::Uttrykk> tre;
                 std::string_view ft = f.attribute("t").value();
                 std::string tekst, attr;
                 if (ft == "shared") {
                     std::string si = f.attribute("si").value();
                     if (f.attribute("ref")) {
                         tekst = f.child_value();
-                        fd.tre = tolkelager().hent(tekst, radNr, kolNr);
-                        delte[si] = {tekst, radNr, kolNr, fd.tre};
+                        tre = tolkelager().hent(tekst, radNr, kolNr);
+                        delte[si] = {tekst, radNr, kolNr, tre};
                     } else if (auto m = delte.find(si); m != delte.end()) {
                         tekst = formel::flytt(m->second.tekst, radNr - m->second.rad, kolNr - m->second.kol);
-                        fd.tre = m->second.tre;
+                        tre = m->second.tre;
                     }
                 } else {
                     tekst = f.child_value();
                     attributter(attr, f, {});
                 }
                 // Every formula is parsed here, so that the copies of a sheet read once carry the parse.
-                if (!fd.tre) fd.tre = tolkelager().hent(tekst, radNr, kolNr);
-                fd.lagret = lagret(std::move(tekst), std::move(attr));
+                if (!tre) tre = tolkelager().hent(tekst, radNr, kolNr);
+                FormelDel fd;
+                fd.lagret = &lagrede_->emplace_back(Lagret{std::move(tekst), std::move(attr), radNr, std::move(tre)});
                 // The cached value is computed anew; only the formula is kept.
                 celle.art = Celle::Tom;
                 celle.tekst.clear();
@@ -233,6 +235,12 @@ long Ark::nyStil(const Rad& rad, int kol) const
     for (const Kolonnestil& k : kolonnestiler_)
         if (k.fra <= kol && kol <= k.til) return k.stil;
     return -1;
+}
+
+const formel::Uttrykk& Ark::tre(Lagret& f, int kol)
+{
+    if (!f.tre) f.tre = tolkelager().hent(f.tekst, f.rad, kol);
+    return *f.tre;
 }
 
 formel::Tolkelager& Ark::tolkelager()
@@ -363,8 +371,7 @@ void Ark::settFormel(const QString& adresse, const QString& tekst)
     endring(rad);
     Celle& c = hent(rad, kol);
     FormelDel f;
-    f.rad = rad;
-    f.lagret = lagret(formel::normaliser(tekst.toStdString()));
+    f.lagret = egen(formel::normaliser(tekst.toStdString()), rad);
     if (c.formel < 0)
         c.formel = nyFormel(std::move(f));
     else
@@ -436,24 +443,20 @@ void Ark::fyllFormlerNed(int sisteRad)
         Celle* over = finn(nr - 1, kol);
         Celle* forbilde = finn(nr, kol);
         if (nr >= sisteRad || !over || over->formel < 0) continue;
-        FormelDel& o = formelAv(*over);
-        FormelDel& f = formelAv(*forbilde);
-        for (FormelDel* x : {&o, &f})
-            if (!x->tre) x->tre = tolkelager().hent(x->lagret->tekst, x->rad, kol);
-        if (o.tre != f.tre) continue;
+        Lagret& o = *formelAv(*over).lagret;
+        Lagret& f = *formelAv(*forbilde).lagret;
+        if (&tre(o, kol) != &tre(f, kol)) continue;
         endring(nr + 1);
         formlerEndret_ = true;
         // Copied: the formulas and cells added below may move them.
-        const FormelDel mal = f;
+        const Lagret& mal = f;
         const long stil = forbilde->stil;
         for (int r = nr + 1; r <= sisteRad; ++r) {
             Celle& c = hent(r, kol);
             if (c.formel >= 0 || c.art != Celle::Tom) continue;
             c.stil = stil;
             FormelDel ny;
-            ny.rad = r;
-            ny.lagret = lagret(formel::flytt(mal.lagret->tekst, r - nr, 0));
-            ny.tre = mal.tre;
+            ny.lagret = egen(formel::flytt(mal.tekst, r - nr, 0), r, mal.tre);
             c.formel = nyFormel(std::move(ny));
         }
     }
@@ -495,7 +498,7 @@ void Ark::beregnMedKilder(Celle& c)
         FormelDel& f = formelAv(*steg.celle);
         if (steg.kilderLagt) {
             stakk.pop_back();
-            Resultat r = formel::beregn(*f.tre, kilde_, f.rad, steg.celle->kol);
+            Resultat r = formel::beregn(*f.lagret->tre, kilde_, f.lagret->rad, steg.celle->kol);
             f.verdi = r.art == Resultat::Tom ? Resultat::nummer(0) : std::move(r);
             f.underveis = false;
         } else if (f.gen == gen_) {
@@ -504,8 +507,7 @@ void Ark::beregnMedKilder(Celle& c)
             f.gen = gen_;
             f.underveis = true;
             stakk.back().kilderLagt = true;
-            if (!f.tre) f.tre = tolkelager().hent(f.lagret->tekst, f.rad, steg.celle->kol);
-            formel::referanser(*f.tre, f.rad, steg.celle->kol, [&](int r1, int k1, int r2, int k2) {
+            formel::referanser(tre(*f.lagret, steg.celle->kol), f.lagret->rad, steg.celle->kol, [&](int r1, int k1, int r2, int k2) {
                 forHverCelle(r1, k1, r2, k2, [&](Celle& kilde) {
                     if (kilde.formel >= 0 && formelAv(kilde).gen != gen_) stakk.push_back({&kilde, false});
                 });
@@ -703,15 +705,15 @@ void Ark::finnDelteFormler()
             f.delt = -1;
             f.deltTil = 0;
             if (!f.lagret->attr.empty()) continue;
-            if (!f.tre) f.tre = tolkelager().hent(f.lagret->tekst, f.rad, c.kol);
+            const formel::Uttrykk* t = &tre(*f.lagret, c.kol);
             Lop& l = lop[c.kol];
-            if (l.tre == f.tre.get() && l.sisteRad == nr - 1) {
+            if (l.tre == t && l.sisteRad == nr - 1) {
                 if (l.forste->delt < 0) l.forste->delt = neste++;
                 l.forste->deltTil = nr;
                 f.delt = l.forste->delt;
                 l.sisteRad = nr;
             } else {
-                l = {f.tre.get(), nr, &f};
+                l = {t, nr, &f};
             }
         }
     }

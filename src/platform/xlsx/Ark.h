@@ -48,21 +48,22 @@ public:
     std::string skriv();
 
 private:
-    // A formula as stored, shared by the copies of a sheet read once.
+    // A formula as stored and parsed. Those read from the sheet's XML are shared by the copies of
+    // the sheet read once, and are parsed when read, so that no copy changes them; those set
+    // since belong to the sheet and are parsed when first needed.
     struct Lagret {
         std::string tekst;  // without "="
         std::string attr;   // raw attributes of <f>, kept for array formulas
-    };
-    static std::shared_ptr<const Lagret> lagret(std::string tekst, std::string attr = {})
-    {
-        return std::make_shared<const Lagret>(Lagret{std::move(tekst), std::move(attr)});
-    }
-    struct FormelDel {
-        std::shared_ptr<const Lagret> lagret;
+        int rad = 0;        // the row of the cell, which relative references start from
         std::shared_ptr<const formel::Uttrykk> tre;
+    };
+    using Lagrede = std::deque<Lagret>;  // keeps their places as it grows
+    // A formula cell's own state. A plain pointer to the formula: copying a sheet of thousands of
+    // formulas, and freeing it, then touches no reference counts.
+    struct FormelDel {
+        Lagret* lagret = nullptr;
         formel::Resultat verdi;
         uint64_t gen = 0;
-        int rad = 0;  // the row of the cell, which relative references start from
         // Written as a shared formula: its number, and for the first cell the last row of the run.
         int delt = -1;
         int deltTil = 0;
@@ -111,6 +112,7 @@ private:
         std::vector<FormelDel> formler;
         std::vector<std::string> ekstra;
         long antallFormler = 0;
+        std::shared_ptr<Lagrede> lagrede;  // what formler points into
     };
 
     formel::Resultat resultat(Celle& c);
@@ -132,6 +134,13 @@ private:
     void fyllFormlerNed(int sisteRad);
     // Adds f to the sheet's formulas and gives its number for Celle::formel.
     int nyFormel(FormelDel f);
+    // A formula set on the sheet, kept by it.
+    Lagret* egen(std::string tekst, int rad, std::shared_ptr<const formel::Uttrykk> tre = nullptr)
+    {
+        return &egne_.emplace_back(Lagret{std::move(tekst), {}, rad, std::move(tre)});
+    }
+    // The parse of f's formula, made on first use.
+    const formel::Uttrykk& tre(Lagret& f, int kol);
     FormelDel& formelAv(const Celle& c) { return formler_[static_cast<size_t>(c.formel)]; }
     void fjernFormel(Celle& c);
     // A change from row rad down. The values computed so far stay current when none of them
@@ -169,6 +178,8 @@ private:
     // The formulas of the cells, apart from them so that a sheet is copied in a few blocks; a
     // cell's formula keeps its place, and a formula removed leaves its place unused.
     std::vector<FormelDel> formler_;
+    std::shared_ptr<Lagrede> lagrede_;  // the formulas read from the XML
+    Lagrede egne_;                      // and those set since
     std::vector<std::string> ekstra_;  // the raw attributes of the cells that have more
     size_t sist_ = 0;                  // the row used last, where the next look-up starts
     Kilde kilde_{*this};
