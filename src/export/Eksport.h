@@ -87,6 +87,7 @@ private:
     dialogs::Vindu& vindu_;
     int syklus_;
     long long rad_ = -1;
+    unsigned rader_ = 0;  // rows counted, the clock read at every 32nd
     QElapsedTimer klokke_;
 };
 
