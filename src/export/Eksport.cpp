@@ -158,6 +158,9 @@ void Bakgrunnslagring::lagreSom(std::unique_ptr<xlsx::Arbeidsbok> bok, const QSt
 
 void Bakgrunnslagring::lagreDeretter(std::unique_ptr<xlsx::Arbeidsbok> bok, const QString& sti)
 {
+    // The formulas are computed here, by the thread that fills the workbooks: it waits for the
+    // saves more than they wait for it.
+    bok->beregn();
     {
         std::lock_guard laas(mutex_);
         if (feil_) return;  // an earlier save failed: vent() says so

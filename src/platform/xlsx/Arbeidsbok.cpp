@@ -41,6 +41,11 @@ public:
         sti_ = sti;  // like a spreadsheet application: the workbook now lives under the new name
     }
     void lagre() override { skriv(sti_); }
+    void beregn() override
+    {
+        for (auto& a : ark_)
+            if (a.ark && a.ark->endret()) a.ark->beregn();
+    }
 
     // ------------------------------------------------------------ parts
 

@@ -68,6 +68,10 @@ public:
     // Saves over the file it was opened from, or last saved as (close with saving).
     // Closing without saving is dropping the object.
     virtual void lagre() = 0;
+    // Computes now what a save writes of the changed sheets (every formula's value, the runs of
+    // shared formulas), so that a save that follows on another thread only writes; a change made
+    // after it is computed again by the save.
+    virtual void beregn() = 0;
 };
 
 // Opens a workbook file into memory; XlsxFeil when it cannot be read as a workbook.

@@ -13,7 +13,6 @@ namespace xlsx {
 
 using formel::leggTilAdresse;
 using formel::leggTilHeltall;
-using formel::leggTilTall;
 using formel::Resultat;
 
 namespace {
@@ -579,26 +578,35 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
     }
     // Type attribute and value element.
     const char* type = nullptr;
-    std::string verdi;
+    // The text of <v>: a number written into tall, other texts into tekst, which most cells leave
+    // unused (a number longer than a short string's room would otherwise be allocated).
+    std::string_view verdi;
+    char tall[32];
+    std::string tekst;
+    auto medTall = [&](auto x) { verdi = {tall, static_cast<size_t>(std::to_chars(tall, tall + sizeof tall, x).ptr - tall)}; };
+    auto medTekst = [&](std::string_view t) {
+        leggTilTekst(tekst, t);
+        verdi = tekst;
+    };
     bool harV = false;  // a <v> element, also an empty one for an empty text result
     bool rik = false;
     const bool harFormel = c.formel >= 0;
     if (harFormel) {
         Resultat r = verdiAv(c);
         switch (r.art) {
-        case Resultat::Tall: leggTilTall(verdi, r.tall); break;
+        case Resultat::Tall: medTall(r.tall); break;
         case Resultat::Logisk:
             type = "b";
             verdi = r.tall != 0 ? "1" : "0";
             break;
         case Resultat::Tekst:
             type = "str";
-            leggTilTekst(verdi, r.tekst);
+            medTekst(r.tekst);
             break;
         case Resultat::Feil:
             if (!r.usikker) {
                 type = "e";
-                leggTilTekst(verdi, r.tekst);
+                medTekst(r.tekst);
             }
             break;
         case Resultat::Tom: break;
@@ -607,18 +615,18 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
     } else {
         switch (c.art) {
         case Celle::Tom: break;
-        case Celle::Tall: leggTilTall(verdi, c.tall); break;
+        case Celle::Tall: medTall(c.tall); break;
         case Celle::Logisk:
             type = "b";
             verdi = c.tall != 0 ? "1" : "0";
             break;
         case Celle::Delt:
             type = "s";
-            leggTilHeltall(verdi, static_cast<long>(c.tall));
+            medTall(static_cast<long>(c.tall));
             break;
         case Celle::Feil:
             type = "e";
-            leggTilTekst(verdi, c.tekst);
+            medTekst(c.tekst);
             break;
         case Celle::Tekst: type = "inlineStr"; break;
         case Celle::Rik:
@@ -719,11 +727,21 @@ void Ark::finnDelteFormler()
     }
 }
 
+void Ark::beregn()
+{
+    last();
+    finnDelteFormler();
+    for (Rad& rad : rader_)
+        for (Celle& c : rad.celler)
+            if (c.formel >= 0) verdiAv(c);
+    beregnet_ = true;
+}
+
 std::string Ark::skriv()
 {
     last();
     // Values computed since the last change are current: every change starts a new generation.
-    finnDelteFormler();
+    if (!beregnet_) finnDelteFormler();
     int r1 = 0, r2 = 0, k1 = 0, k2 = 0;
     size_t antall = 0;
     for (const Rad& rad : rader_) {

@@ -44,6 +44,8 @@ public:
     // A formula was set, overwritten or removed since opening.
     bool formlerEndret() const { return formlerEndret_; }
     bool harFormler() const { return antallFormler_ > 0; }
+    // Every formula's value and the runs of shared formulas, as skriv() writes them.
+    void beregn();
     // The sheet's XML with the current cells, formula values cached.
     std::string skriv();
 
@@ -148,6 +150,7 @@ private:
     void endring(int rad)
     {
         endret_ = true;
+        beregnet_ = false;
         if (rad > lestTil_) return;
         ++gen_;
         lestTil_ = 0;
@@ -167,6 +170,7 @@ private:
     bool lastet_ = false;
     bool endret_ = false;
     bool formlerEndret_ = false;
+    bool beregnet_ = false;  // beregn() has run since the last change
     long antallFormler_ = 0;
     int sisteSkrevne_ = 0;  // the last row given a value
     std::vector<Kolonnestil> kolonnestiler_;
