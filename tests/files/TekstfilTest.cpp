@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace files;
 
@@ -44,6 +45,9 @@ TEST(Tekstfiler, LinjeslutterTellingOgBuffergrenser)
     for (std::string_view linje; leser.neste(linje);) lest << latin1(linje);
     EXPECT_EQ(lest.size(), ventet.size());
     EXPECT_TRUE(lest == ventet);
+    // A CR as the last byte of the first read (1 MB + 1 bytes), its LF the first byte of the next.
+    m.skriv("grense.txt", QByteArray("x\r\n").repeated(349526));
+    EXPECT_EQ(TellLinjer(m.sti("grense.txt")), 349526);
 
     // A line over 1 MB is named; what is no regular file is refused.
     m.skriv("lang.txt", "kort\n" + QByteArray((1 << 20) + 1, 'x'));
@@ -86,15 +90,19 @@ TEST(Tekstfiler, SkrivLatin1MedCrLfGjennomTmpFil)
 
 TEST(Tekstfiler, ForlatteTmpFilerFjernes)
 {
-    // A temporary file of a process that no longer runs goes; one of a running process stays.
+    // A temporary file of a process that no longer runs goes; one of a running process (this one or
+    // its parent) stays.
     test::Programmappe m;
     const QString egen = QStringLiteral("Oppsett.txt.tmp%1").arg(QCoreApplication::applicationPid());
+    const QString forelder = QStringLiteral("Kolonner.txt.tmp%1").arg(::getppid());
     // Also the zip library's own temporary file of a workbook being saved.
-    for (const QString& navn : {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("a.xlsx.tmp999999999_4.Xy9aB1"),
-                                QStringLiteral("Oppsett.txt.tmp999999998"), egen, QStringLiteral("tmp123.txt")})
+    for (const QString& navn :
+         {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("a.xlsx.tmp999999999_4.Xy9aB1"),
+          QStringLiteral("Oppsett.txt.tmp999999998"), egen, forelder, QStringLiteral("tmp123.txt")})
         m.skriv(navn, "x");
     RyddForlatteTmp(m.mappe());
-    EXPECT_EQ(QDir(m.mappe()).entryList({QStringLiteral("*tmp*")}, QDir::Files), QStringList({egen, "tmp123.txt"}));
+    EXPECT_EQ(QDir(m.mappe()).entryList({QStringLiteral("*tmp*")}, QDir::Files),
+              QStringList({forelder, egen, "tmp123.txt"}));
 }
 
 TEST(Tekstfiler, FilOgMappeFinnes)

@@ -74,6 +74,10 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
               (QStringList{u"Fila "_s + csvfil + u" består av   2 linjer. Vil du starte importen?"_s,
                            u"Antall linjer importert:   2"_s}));
     EXPECT_EQ(label4(), u"  2"_s);
+    // The time index of the CO2 column (C) is made with the import, not left to the first search.
+    EXPECT_EQ(
+        f->kontekst().tilkobling.spor(u"Select count(*) from sqlite_master where name = 'DataLinjer_Tid_C'"_s).tall(0),
+        1);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   1 poster i databasen"_s));
     // A database of its own: the salt in its first 16 bytes is not the template's.
     EXPECT_NE(mappe.les(Data).left(16), mappe.les(u"Template.mdb"_s).left(16));
