@@ -96,17 +96,6 @@ QString vist(const app::FrmGraph& g)
         .arg(forklaring.simplified(), g.avlesningTekst());
 }
 
-void sjekkGull(const QString& navn, const QString& tekst)
-{
-    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
-    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
-        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
-        return;
-    }
-    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
-    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
-}
-
 Eksportmappe::Eksportmappe()
 {
     mappe.kopierMaler();

@@ -47,8 +47,6 @@ QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
 // What the graph window shows: the minutes and values in view (4 digits), the legend as plain text,
 // and the readout.
 QString vist(const app::FrmGraph& g);
-// tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
-void sjekkGull(const QString& navn, const QString& tekst);
 
 class Eksportmappe : public MedVindu {
 protected:

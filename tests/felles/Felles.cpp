@@ -45,6 +45,17 @@ Kjoring Programmappe::batch(const QStringList& argumenter, bool ok) const
     return k;
 }
 
+void sjekkGull(const QString& navn, const QString& tekst)
+{
+    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
+    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
+        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
+        return;
+    }
+    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
+    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
+}
+
 Kjoring batch(const QStringList& argumenter)
 {
     QProcess p;

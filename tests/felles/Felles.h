@@ -4,6 +4,10 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <ostream>
+
+// Texts in failure messages as text.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) { return os << '"' << s.toStdString() << '"'; }
 
 namespace test {
 
@@ -31,6 +35,9 @@ private:
     QTemporaryDir dir_;
     QString mappe_;
 };
+
+// tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
+void sjekkGull(const QString& navn, const QString& tekst);
 
 // The exit status the test environment gives the sanitizers' reports.
 constexpr int Sanitizerstatus = TOLVIK_SANITIZERSTATUS;

@@ -14,9 +14,6 @@
 
 using namespace Qt::StringLiterals;
 
-// Texts in failure messages as text.
-inline std::ostream& operator<<(std::ostream& os, const QString& s) { return os << '"' << s.toStdString() << '"'; }
-
 namespace test {
 
 // Seconds after 23.11.2012 14:00:00 and a value for column C.

@@ -2,6 +2,7 @@
 // beside the tests, and cell values.
 #pragma once
 
+#include "felles/Felles.h"
 #include "platform/xlsx/Arbeidsbok.h"
 
 #include <QFile>
@@ -12,8 +13,6 @@
 #include <map>
 #include <string>
 #include <vector>
-
-inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 
 namespace test {
 
