@@ -82,10 +82,14 @@ TEST(Tekstfiler, SkrivLatin1MedCrLfGjennomTmpFil)
     EXPECT_TRUE(kolonneLinjer({"Dato", "Tid"}).isEmpty());
     EXPECT_EQ(HentFraFil(m.sti("mangler.txt")), QString());
     EXPECT_THROW(SkrivTilFil(m.sti("ingen-mappe/x.txt"), QStringLiteral("x")), FilFeil);
-    // A write-protected file is not replaced behind the user's back.
+    // A write-protected file is neither replaced nor removed behind the user's back; the files with it
+    // are removed only when none of them is protected.
     QFile::setPermissions(fil, QFile::ReadOwner);
     EXPECT_THROW(SkrivTilFil(fil, QStringLiteral("ny")), FilFeil);
     EXPECT_EQ(HentFraFil(fil), QStringLiteral("CO2                    [C]"));
+    m.skriv("SokStart.txt", "x");
+    EXPECT_THROW(SlettFiler({m.sti("SokStart.txt"), fil}), FilFeil);
+    EXPECT_TRUE(QFile::exists(m.sti("SokStart.txt")) && QFile::exists(fil));
 }
 
 TEST(Tekstfiler, ForlatteTmpFilerFjernes)
