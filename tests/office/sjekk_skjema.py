@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Checks every part of the given workbooks against the Office Open XML schemas that Excel enforces:
-RELAX NG (jing) for the SpreadsheetML and DrawingML parts, XSD (xmllint) for the package parts.
+RELAX NG (jing) for the SpreadsheetML and DrawingML parts, XSD (xmllint) for the package parts,
+and the root element of each part against its name.
 Prints each fault as workbook:part:line:column: message and a closing line with the counts.
 Exit status 0 without faults, 1 with faults, 77 when the schema folder is missing.
 
@@ -14,21 +15,31 @@ import tempfile
 import zipfile
 from concurrent.futures import ThreadPoolExecutor
 
-# The part's name in the package -> (tool, schema file under SKJEMAMAPPE).
+# The part's name in the package -> the XSD (xmllint) of a package part, or for a SpreadsheetML,
+# DrawingML or document-properties part the RELAX NG pattern (jing) of its root element, which is
+# named after the pattern's prefix.
 SKJEMA = [
-    (r'\[Content_Types\]\.xml', 'xsd', 'opc/opc-contentTypes.xsd'),
-    (r'(.*/)?_rels/[^/]*\.rels', 'xsd', 'opc/opc-relationships.xsd'),
-    (r'docProps/app\.xml', 'rnc', 'rnc/Shared_Extended_File_Properties.rnc'),
-    (r'docProps/custom\.xml', 'rnc', 'rnc/Shared_Custom_File_Properties.rnc'),
-    (r'xl/workbook\.xml', 'rnc', 'rnc/SpreadsheetML_Workbook.rnc'),
-    (r'xl/worksheets/sheet\d+\.xml', 'rnc', 'rnc/SpreadsheetML_Worksheet.rnc'),
-    (r'xl/styles\.xml', 'rnc', 'rnc/SpreadsheetML_Styles.rnc'),
-    (r'xl/sharedStrings\.xml', 'rnc', 'rnc/SpreadsheetML_Shared_String_Table.rnc'),
-    (r'xl/calcChain\.xml', 'rnc', 'rnc/SpreadsheetML_Calculation_Chain.rnc'),
-    (r'xl/theme/theme\d+\.xml', 'rnc', 'rnc/DrawingML_Theme.rnc'),
-    (r'xl/charts/chart\d+\.xml', 'rnc', 'rnc/DrawingML_Chart.rnc'),
-    (r'xl/drawings/drawing\d+\.xml', 'rnc', 'rnc/SpreadsheetML_Drawing.rnc'),
+    (r'\[Content_Types\]\.xml', 'opc/opc-contentTypes.xsd'),
+    (r'(.*/)?_rels/[^/]*\.rels', 'opc/opc-relationships.xsd'),
+    (r'docProps/app\.xml', 'shdDcEP_Properties'),
+    (r'docProps/custom\.xml', 'shdCstm_Properties'),
+    (r'xl/workbook\.xml', 'sml_workbook'),
+    (r'xl/worksheets/sheet\d+\.xml', 'sml_worksheet'),
+    (r'xl/styles\.xml', 'sml_styleSheet'),
+    (r'xl/sharedStrings\.xml', 'sml_sst'),
+    (r'xl/calcChain\.xml', 'sml_calcChain'),
+    (r'xl/theme/theme\d+\.xml', 'a_theme'),
+    (r'xl/charts/chart\d+\.xml', 'dchrt_chartSpace'),
+    (r'xl/drawings/drawing\d+\.xml', 'xdr_wsDr'),
 ]
+# One grammar over the schemas' modules whose start is any of those patterns: jing starts and
+# compiles the schemas once for every part, not once per kind of part.
+ALLE = """include "{0}/SpreadsheetML_Workbook.rnc" {{ start = {1} }}
+include "{0}/shared-documentPropertiesExtended.rnc"
+include "{0}/shared-documentPropertiesCustom.rnc"
+include "{0}/shared-documentPropertiesVariantTypes.rnc"
+"""
+ROT = re.compile(rb'<(?![?!])(?:[\w.-]+:)?([\w.-]+)')
 # Parts that are no XML, and the core properties, whose schema imports the Dublin Core schemas
 # from the net (not there offline); the program copies that part unread.
 UTEN_SKJEMA = re.compile(r'.*\.bin|docProps/core\.xml|docProps/thumbnail\.\w+|.*/$')
@@ -60,7 +71,7 @@ def main():
         print(f'skjema: mappen {skjemamappe} finnes ikke; ingen kontroll')
         return 77
     feil = []
-    grupper = {}  # (tool, schema) -> extracted files
+    grupper = {}  # schema (an XSD, or 'rnc') -> extracted files
     navn = {}     # extracted file -> "workbook:part"
     deler = 0
     with tempfile.TemporaryDirectory() as tmp:
@@ -69,20 +80,29 @@ def main():
                 for del_ in z.namelist():
                     if UTEN_SKJEMA.fullmatch(del_):
                         continue
-                    treff = next(((v, s) for m, v, s in SKJEMA if re.fullmatch(m, del_)), None)
-                    if treff is None:
+                    skjema = next((s for m, s in SKJEMA if re.fullmatch(m, del_)), None)
+                    if skjema is None:
                         feil.append(f'{bok}:{del_}: ingen skjema for denne delen')
                         continue
+                    data, xsd, ventet = z.read(del_), skjema.endswith('.xsd'), skjema.partition('_')[2]
+                    rot = ROT.search(data)
+                    if not xsd and (rot is None or rot.group(1).decode() != ventet):
+                        feil.append(f'{bok}:{del_}: rotelementet er ikke {ventet}')
                     fil = os.path.join(tmp, str(n), del_)
                     os.makedirs(os.path.dirname(fil), exist_ok=True)
                     with open(fil, 'wb') as ut:
-                        ut.write(z.read(del_))
-                    grupper.setdefault(treff, []).append(fil)
+                        ut.write(data)
+                    grupper.setdefault(skjema if xsd else 'rnc', []).append(fil)
                     navn[fil] = f'{os.path.basename(bok)}:{del_}'
                     deler += 1
-        verktoy = {'rnc': jing, 'xsd': xmllint}
+        alle = os.path.join(tmp, 'alle.rnc')
+        with open(alle, 'w') as ut:
+            ut.write(ALLE.format(os.path.abspath(os.path.join(skjemamappe, 'rnc')),
+                                 ' | '.join(s for _, s in SKJEMA if not s.endswith('.xsd'))))
+        kontroll = {s: (lambda f, s=s: xmllint(os.path.join(skjemamappe, s), f)) for s in grupper}
+        kontroll['rnc'] = lambda f: jing(alle, f)
         with ThreadPoolExecutor(max_workers=os.cpu_count() or 2) as pool:
-            svar = pool.map(lambda g: verktoy[g[0][0]](os.path.join(skjemamappe, g[0][1]), g[1]), grupper.items())
+            svar = pool.map(lambda g: kontroll[g[0]](g[1]), grupper.items())
             for linjer in svar:
                 for linje in linjer:
                     if GODTATT.search(linje):
