@@ -54,12 +54,6 @@ QString merker(const dialogs::Graf& g)
     return t.join(' ');
 }
 
-TEST(Provesteg, RundesTilNaermesteMedHalvTilPar)
-{
-    for (auto [rader, steg] : {std::pair{30000, 1}, {44999, 1}, {45000, 2}, {75000, 2}, {105000, 4}, {1000000, 33}})
-        EXPECT_EQ(analysis::provesteg(rader), steg) << rader;
-}
-
 TEST_F(Graf, HoystTrettiTusenPunkterAvHverNteRad)
 {
     vindu();
