@@ -61,28 +61,25 @@ TEST_F(AutomatiskSok, EnderStilleUtenMelding)
     EXPECT_FALSE(QFile::exists(mappe.sti(u"SnuPunkter.txt"_s)));
 }
 
-// tolvik-batch passes its arguments as the answers and prints the messages.
+// tolvik-batch passes its arguments as the answers and prints the messages (after the values above 1,
+// the graph's count of points); the graph's options go wrong with status 2. In the known-good transcript.
 TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
 {
     fyll(treSykluser(10));
     mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
     const QString png = mappe.sti(u"graf.png"_s), pdf = mappe.sti(u"graf.pdf"_s);
-    // Arguments, exit status and a part of the output; the graph's options go wrong with status 2.
-    const std::tuple<QStringList, int, QString> kjoringer[] = {
-        {{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"}, 0, u"Det ble funnet 2 sykluser."_s},
-        {{"auto-search", "--start", "1", "--cycles", "30"}, 0, u"Det ble funnet 3 sykluser."_s},
-        {{"graph", "--png", png}, 0, u"\n\n9,5\n\nPunkter i grafen: 43\n"_s},  // after the values above 1
-        {{"graph", "--log", "--from", "2,5", "--to", "5", "--png", png}, 0, u"Punkter i grafen: 43\n"_s},
-        {{"find-cycles"}, 2, {}},  // --start is required
-        {{"graph", "--from", "x"}, 2, {}},
-        {{"graph", "--from", "5", "--to", "5"}, 2, {}},
-        {{"graph", "--png", png, "--pdf", pdf}, 2, {}},
-        {{"graph", "--aligned"}, 2, {}},
-    };
-    for (const auto& [args, status, ut] : kjoringer) {
-        const auto k = test::batch(QStringList{"--folder", mappe.mappe()} + args);
-        EXPECT_TRUE(k.status == status && k.ut.contains(ut)) << args.join(' ') << k.ut << k.feil;
-    }
+    QString logg;
+    for (const QStringList& args : {QStringList{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"},
+                                    {"auto-search", "--start", "1", "--cycles", "30"},
+                                    {"graph", "--png", png},
+                                    {"graph", "--log", "--from", "2,5", "--to", "5", "--png", png},
+                                    {"find-cycles"},  // --start is required
+                                    {"graph", "--from", "x"},
+                                    {"graph", "--from", "5", "--to", "5"},
+                                    {"graph", "--png", png, "--pdf", pdf},
+                                    {"graph", "--aligned"}})
+        logg += mappe.utskrift(args);
+    test::sjekkGull(u"analysis/gull/AutomatiskSok.Batch.txt"_s, logg);
     EXPECT_GT(QImage(png).width(), 400);
 }
 

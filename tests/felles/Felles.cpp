@@ -56,6 +56,17 @@ void sjekkGull(const QString& navn, const QString& tekst)
     EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
 }
 
+QString Programmappe::utskrift(const QStringList& argumenter) const
+{
+    return test::utskrift(argumenter, batch(argumenter)).replace(mappe_, QStringLiteral("<mappe>"));
+}
+
+QString utskrift(const QStringList& argumenter, const Kjoring& k)
+{
+    return QStringLiteral("$ %1\nstatus %2\n").arg(argumenter.join(' ')).arg(k.status) + k.ut +
+           (k.status == 0 ? QString() : QStringLiteral("stderr: ") + k.feil);
+}
+
 Kjoring batch(const QStringList& argumenter)
 {
     QProcess p;

@@ -30,6 +30,8 @@ public:
     QByteArray les(const QString& navn) const;
     // tolvik-batch on this folder; with ok set, any status but 0 fails the test.
     Kjoring batch(const QStringList& argumenter, bool ok = false) const;
+    // The same as text for a known-good transcript (see utskrift below), the folder's path as <mappe>.
+    QString utskrift(const QStringList& argumenter) const;
 
 private:
     QTemporaryDir dir_;
@@ -44,5 +46,9 @@ constexpr int Sanitizerstatus = TOLVIK_SANITIZERSTATUS;
 // Runs the built tolvik-batch with these arguments; a run that hangs, crashes or ends with a
 // sanitizer's report fails the test (and gives status -1).
 Kjoring batch(const QStringList& argumenter);
+// A run as text for a known-good transcript: the arguments, the exit status, what it printed, and
+// what it wrote on stderr when it failed (else Qt's own notices may stand there).
+QString utskrift(const QStringList& argumenter, const Kjoring& k);
+inline QString utskrift(const QStringList& argumenter) { return utskrift(argumenter, batch(argumenter)); }
 
 }  // namespace test
