@@ -80,8 +80,10 @@ TEST_F(Import, EksempellinjaGirRadKolonnelisteOgMeldinger)
         f->kontekst().tilkobling.spor(u"Select count(*) from sqlite_master where name = 'DataLinjer_Tid_C'"_s).tall(0),
         1);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   1 poster i databasen"_s));
-    // A database of its own: the salt in its first 16 bytes is not the template's.
+    // A database of its own: the salt in its first 16 bytes is not the template's; neither has SQLite's
+    // plain header (that a file without the key is refused is the start-up test's, Oppstart).
     EXPECT_NE(mappe.les(Data).left(16), mappe.les(u"Template.mdb"_s).left(16));
+    EXPECT_FALSE(mappe.les(Data).startsWith("SQLite") || mappe.les(u"Template.mdb"_s).startsWith("SQLite"));
 }
 
 // In the known-good transcript: an empty header field after the third gets no line but keeps its

@@ -1,6 +1,7 @@
 // The raw-data line format on single lines: fields, row or the reason a line is left out.
 #include "store/Radata.h"
 #include "felles/Felles.h"
+#include "felles/Fuzzfunn.h"
 
 #include <QFile>
 #include <QLocale>
@@ -42,6 +43,15 @@ TEST(Radata, LinjerSomTolkes)
     for (const QByteArray& raa : linjer)
         ut += (raa.startsWith('#') ? QString::fromUtf8(raa) : tolket(linje, raa.toStdString())) + '\n';
     test::sjekkGull(u"store/gull/Radata.txt"_s, ut);
+}
+
+// Raw-data lines that fuzzing was seeded with or found faults with are read without a crash.
+TEST(Radata, FuzzfunnLesesUtenKrasj)
+{
+    for (auto& [fil, data] : test::fuzzfunn("store/fuzz-funn/radata")) {
+        SCOPED_TRACE(fil.toStdString());
+        ovelse::radata(data);
+    }
 }
 
 }  // namespace

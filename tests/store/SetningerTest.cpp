@@ -109,16 +109,4 @@ TEST_F(Setninger, TidsnokkelBrukerIndeks)
     EXPECT_TRUE(en.contains(QStringLiteral("USING COVERING INDEX DataLinjer_Tid_C"))) << en.toStdString();
 }
 
-TEST(Databasefil, KreverNokkelen)
-{
-    test::Programmappe mappe;
-    mappe.skriv("tull.mdb", "dette er ingen database");
-    db::Database db;
-    EXPECT_THROW(db.aapne(mappe.sti("tull.mdb")), db::DbFeil);
-    EXPECT_FALSE(db.erApen());
-    EXPECT_THROW(db.aapne(mappe.sti("finnes-ikke.mdb")), db::DbFeil);
-    // The file on disk is encrypted: the header is not SQLite's plain one.
-    EXPECT_FALSE(mappe.les("Data.mdb").startsWith("SQLite format 3"));
-}
-
 }  // namespace

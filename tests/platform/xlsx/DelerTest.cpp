@@ -1,6 +1,9 @@
+// The parts of a workbook on their own: a sheet, a chart part, and the XML helpers under them.
 #include "Hjelpere.h"
 
 #include "platform/xlsx/Ark.h"
+#include "platform/xlsx/Diagramdel.h"
+#include "platform/xlsx/Xml.h"
 
 using namespace xlsx;
 using V = std::vector<Verdi>;
@@ -105,4 +108,44 @@ TEST(Ark, TomCelledataOgOdelagtArk)
         bok.xml = xml;
         EXPECT_THROW(Ark(bok, "xl/worksheets/sheet3.xml").celle(1, 1), XlsxFeil) << xml;
     }
+}
+
+// A chart without title and without the drawing namespace, which the title needs. The charts of a workbook
+// are changed and written in ArbeidsbokTest.
+TEST(Diagram, NyTittelOgMinimumSomXml)
+{
+    Diagramdel d("xl/charts/chart9.xml", test::data("inn/diagram_uten_tittel.xml"));
+    EXPECT_EQ(d.tittel(), QString());
+    d.settTittel(QStringLiteral("CO₂ & N₂\nSyklus 3"));
+    d.settKategoriMinimum(230.25);
+    EXPECT_EQ(d.tittel(), QStringLiteral("CO₂ & N₂\nSyklus 3"));
+    EXPECT_EQ(d.skriv(), test::data("gull/nytt_diagram.xml"));
+}
+
+TEST(Xml, TekstOgAttributtverdier)
+{
+    // Tab, line feed and carriage return stay; other control characters are not allowed in XML 1.0.
+    const std::string tekst = "a<b> & \"c\"\x01\x1f\t\n\r ø";
+    std::string innhold, attributt;
+    leggTilTekst(innhold, tekst);
+    leggTilAttributt(attributt, tekst);
+    EXPECT_EQ(innhold, "a&lt;b&gt; &amp; \"c\"\t\n\r ø");
+    EXPECT_EQ(attributt, "a&lt;b&gt; &amp; &quot;c&quot;\t\n\r ø");
+}
+
+// Written parts are checked whole above and in ArbeidsbokTest; here the layer's error, with the
+// parser's reason when asked for.
+TEST(Xml, OdelagtDokument)
+{
+    auto feil = [](bool grunn) {
+        try {
+            pugi::xml_document d;
+            lesXml(d, "<a><b></a>", pugi::parse_default, "a.xml", "Ødelagt del: a.xml", grunn);
+        } catch (const XlsxFeil& f) {
+            return std::string(f.what());
+        }
+        return std::string("ingen feil");
+    };
+    EXPECT_EQ(feil(false), "Ødelagt del: a.xml");
+    EXPECT_EQ(feil(true), "Ødelagt del: a.xml (Start-end tags mismatch)");
 }
