@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -54,6 +55,19 @@ void sjekkGull(const QString& navn, const QString& tekst)
     }
     EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
     EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
+}
+
+QStringList rader(db::Database& d, const QString& hvor)
+{
+    QStringList ut;
+    for (auto r = d.spor(QStringLiteral("Select * from DataLinjer ") + hvor); !r.eof(); r.moveNext()) {
+        QStringList v;
+        for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
+            v << (r.erNull(k) ? QStringLiteral("-") : QString::number(r.tall(k), 'g', QLocale::FloatingPointShortest));
+        const QString tekst = r.erNull("DatoTid_Tekst") ? QStringLiteral("-") : r.tekst("DatoTid_Tekst");
+        ut << r.tekst("DatoTid") + '|' + tekst + '|' + v.join(' ');
+    }
+    return ut;
 }
 
 QString Programmappe::utskrift(const QStringList& argumenter) const

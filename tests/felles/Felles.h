@@ -1,6 +1,8 @@
 // Test helpers: a fresh program folder made from the built one, and tolvik-batch runs.
 #pragma once
 
+#include "platform/db/Database.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -40,6 +42,9 @@ private:
 
 // tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
 void sjekkGull(const QString& navn, const QString& tekst);
+
+// Every stored row (hvor narrows them) as "DatoTid|DatoTid_Tekst|C D ... L", "-" for an empty field.
+QStringList rader(db::Database& d, const QString& hvor = {});
 
 // The exit status the test environment gives the sanitizers' reports.
 constexpr int Sanitizerstatus = TOLVIK_SANITIZERSTATUS;

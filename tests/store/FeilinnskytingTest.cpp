@@ -6,7 +6,6 @@
 #include "felles/MedVindu.h"
 
 #include <QDir>
-#include <cstring>
 #include <sqlite3.h>
 
 namespace {
@@ -76,32 +75,24 @@ void installer()
 
 }  // namespace innskyting
 
-// A raw-data file of the examples, or (with a "/") of the tests.
-QString eksempel(const char* navn)
-{
-    return std::strchr(navn, '/') ? QStringLiteral(TOLVIK_TESTDATA "/") + QLatin1String(navn)
-                                  : QStringLiteral(TOLVIK_KILDE "/examples/") + QLatin1String(navn);
-}
-
 class Feilinnskyting : public test::MedVindu {
 protected:
     void SetUp() override { innskyting::installer(); }
     void TearDown() override { innskyting::ved = 0; }
 
-    // Runs `kommando` on a new window over the kept files with call k failing; the number of
-    // counted calls the run made.
-    long kjor(long k, const std::function<void()>& kommando)
+    // Imports the test file navn on a new window over the folder with call k of the counted ones
+    // failing (0: none); the number of counted calls the import made.
+    long importer(const char* navn, long k = 0)
     {
-        kopier(u".kopi"_s, {});
+        f.reset();
         vindu({});
         innskyting::teller = 0;
         innskyting::ved = k;
-        kommando();
+        svar(QStringLiteral(TOLVIK_TESTDATA "/store/") + QLatin1String(navn), dialogs::Svar::Ja);
+        f->Command2_Click();
         innskyting::ved = 0;
         return innskyting::teller;
     }
-    // Keeps Data.mdb and Kolonner.txt as they are, for every run after.
-    void behold() { kopier({}, u".kopi"_s); }
     // Data.mdb and Kolonner.txt (with the suffix fra) copied over those with the suffix til, the window closed.
     void kopier(const QString& fra, const QString& til)
     {
@@ -136,23 +127,18 @@ protected:
 
 TEST_F(Feilinnskyting, ImportHarGammelEllerNyFil)
 {
-    auto importer = [&](const char* fil) {
-        return [this, fil] {
-            svar(eksempel(fil), dialogs::Svar::Ja);
-            f->Command2_Click();
-        };
-    };
-    vindu({});
     // Small files: a failure anywhere in the build and the swap is met the same way for any size,
-    // and the 40 calls sampled lie closer together.
-    importer("store/eksempel.csv")();
-    behold();
+    // and the 40 calls sampled lie closer together. The old pair is kept aside and put back before
+    // every run.
+    importer("eksempel.csv");
+    kopier({}, u".kopi"_s);
     const QString gammel = tilstand(u"før"_s);
-    const long n = kjor(0, importer("store/felt.csv"));
+    const long n = importer("felt.csv");
     const QString ny = tilstand(u"uten feil"_s);
     ASSERT_NE(gammel, ny);
     for (long k : utvalg(n)) {
-        kjor(k, importer("store/felt.csv"));
+        kopier(u".kopi"_s, {});
+        importer("felt.csv", k);
         const QString melding = dialogs.meldinger().last();
         const QString etter = tilstand(u"kall %1 av %2"_s.arg(k).arg(n));
         // The message tells which: the old pair stays only when it says that nothing is imported.

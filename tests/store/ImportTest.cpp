@@ -32,25 +32,10 @@ protected:
         mappe.skriv(navn, innhold);
         return mappe.sti(navn);
     }
-    // Every stored row as "DatoTid|DatoTid_Tekst|C D ... L", "-" for an empty column.
-    QStringList lagret(const QString& hvor = {})
-    {
-        QStringList rader;
-        for (auto r = f->kontekst().tilkobling.spor(u"Select * from DataLinjer "_s + hvor); !r.eof(); r.moveNext()) {
-            QStringList v;
-            for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
-                v << (r.erNull(k) ? u"-"_s : QString::number(r.tall(k), 'g', QLocale::FloatingPointShortest));
-            rader << r.tekst("DatoTid") + '|' + r.tekst("DatoTid_Tekst") + '|' + v.join(' ');
-        }
-        return rader;
-    }
-
-    // What the imports left, for a known-good transcript: the boxes shown from the fra-th on,
-    // Kolonner.txt, and the rows stored (hvor narrows them).
     QString utfall(size_t fra, const QString& hvor = {})
     {
         const QString t = test::forlop(dialogs, fra) + QString::fromLatin1(mappe.les(Kolonnefil)).remove('\r') +
-                          lagret(hvor).join('\n') + '\n';
+                          test::rader(f->kontekst().tilkobling, hvor).join('\n') + '\n';
         return QString(t).replace(mappe.mappe(), u"<mappe>"_s).replace(u"" TOLVIK_TESTDATA ""_s, u"<tester>"_s);
     }
     // The user's files before a refused import, to compare with afterwards.
@@ -120,7 +105,8 @@ TEST_F(Import, TidSomGarTilbakeMerkesIDatabasen)
         EXPECT_EQ(db::Database(mappe.sti(Data)).spor(u"PRAGMA user_version"_s).tall(0), t.tidFolgerId ? 3 : 2);
         EXPECT_TRUE(f->tittel().startsWith(u"Tolvik -   3 poster i databasen"_s)) << f->tittel();
         QStringList c;
-        for (const QString& rad : lagret(u"where format(DatoTid, 'YYYYMMDDHHNNSS') >= '20121123140000'"_s))
+        for (const QString& rad :
+             test::rader(f->kontekst().tilkobling, u"where format(DatoTid, 'YYYYMMDDHHNNSS') >= '20121123140000'"_s))
             c << rad.section('|', 2).section(' ', 0, 0);
         EXPECT_EQ(c, (QStringList{u"3"_s, u"1"_s, u"2"_s})) << t.tidFolgerId;
     }
