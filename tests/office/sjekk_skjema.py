@@ -1,11 +1,12 @@
 #!/usr/bin/python3
 """Checks every part of the given workbooks against the Office Open XML schemas that Excel enforces:
 RELAX NG (jing) for the SpreadsheetML and DrawingML parts, XSD (xmllint) for the package parts,
-and the root element of each part against its name.
+and the root element of each part against its name; with --struktur also what each exported
+workbook (one written by lag_arbeidsboker.sh, with its templates in its set's maler/) keeps of its template.
 Prints each fault as workbook:part:line:column: message and a closing line with the counts.
 Exit status 0 without faults, 1 with faults, 77 when the schema folder is missing.
 
-  sjekk_skjema.py SKJEMAMAPPE ARBEIDSBOK...
+  sjekk_skjema.py [--struktur] SKJEMAMAPPE ARBEIDSBOK...
 """
 import os
 import re
@@ -13,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 import zipfile
+import xml.etree.ElementTree as ET
 from concurrent.futures import ThreadPoolExecutor
 
 # The part's name in the package -> the XSD (xmllint) of a package part, or for a SpreadsheetML,
@@ -49,6 +51,94 @@ GODTATT = re.compile(r'found attribute "xml:space"')
 FEILLINJE = re.compile(r'^(.*?):(\d+)(?::(\d+))?: (?:error: |element .*?: Schemas validity error : )?(.*)$')
 
 
+S = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
+R = "{http://schemas.openxmlformats.org/officeDocument/2006/relationships}"
+C = "{http://schemas.openxmlformats.org/drawingml/2006/chart}"
+
+
+def adresse(a):
+    m = re.fullmatch(r"\$?([A-Z]+)\$?(\d+)", a)
+    k = 0
+    for b in m.group(1):
+        k = k * 26 + ord(b) - 64
+    return int(m.group(2)), k
+
+
+def forste_ark(pakke):
+    bok = ET.fromstring(pakke.read("xl/workbook.xml"))
+    ark = bok.find(f"{S}sheets")[0]
+    rel = ET.fromstring(pakke.read("xl/_rels/workbook.xml.rels"))
+    mål = next(r.get("Target") for r in rel if r.get("Id") == ark.get(f"{R}id"))
+    return ark.get("name"), "xl/" + mål.lstrip("/").removeprefix("xl/")
+
+
+def mal_for(fil):
+    """The template an output file of lag_arbeidsboker.sh was made from, in its set's maler/."""
+    mappe, navn = os.path.split(fil)
+    for start, mal in (("Enkel", "Mal_Sykluser.xlsx"), ("Ads", "Mal_Alle_Adsorpsjon.xlsm"),
+                       ("Des", "Mal_Alle_Desorpsjon.xlsm"), ("Int_Samlefil", "Mal_desorpsjon_areal_alle.xlsx"),
+                       ("Int", "Mal_Integrering_desorpsjon_Enkel.xlsx")):
+        if navn.startswith(start):
+            return os.path.join(os.path.dirname(mappe), "maler", mal)
+    return None
+
+
+def innhold(rot):
+    """The cells of a sheet that hold a value, with their XML."""
+    return {c.get("r"): ET.tostring(c) for c in rot.iter(f"{S}c")}
+
+
+def struktur(pakke, fil):
+    """What an exported workbook must keep of its template, from the package's XML: every written row
+    lies inside the chart ranges over the data sheet and carries the formulas of the template's formula
+    columns; written cells have their column's format; no chart keeps cached values of the data sheet."""
+    feil = []
+    navn, sti = forste_ark(pakke)
+    rot = ET.fromstring(pakke.read(sti))
+    mal = mal_for(fil)
+    malceller = innhold(ET.fromstring(zipfile.ZipFile(mal).read(forste_ark(zipfile.ZipFile(mal))[1]))) if mal else {}
+    stiler = []
+    for col in rot.iter(f"{S}col"):
+        if col.get("style"):
+            stiler.append((int(col.get("min")), int(col.get("max")), col.get("style")))
+    formler, skrevet, siste = {}, 0, 0
+    for rad in rot.iter(f"{S}row"):
+        for c in rad.iter(f"{S}c"):
+            r, k = adresse(c.get("r"))
+            if c.find(f"{S}f") is not None:
+                formler.setdefault(k, set()).add(r)
+                continue
+            if c.find(f"{S}v") is None and c.find(f"{S}is") is None or malceller.get(c.get("r")) == ET.tostring(c):
+                continue
+            siste = max(siste, r)
+            skrevet += 1
+            kolstil = next((s for a, b, s in stiler if a <= k <= b), None)
+            ny = c.get("r") not in malceller  # a cell the template has keeps its own format
+            if ny and kolstil is not None and rad.get("customFormat") != "1" and c.get("s") != kolstil and len(feil) < 5:
+                feil.append(f"{fil}: {c.get('r')} har format {c.get('s')}, kolonnen {kolstil}")
+    # Formula columns of the template (long runs) reach the last written row.
+    for k, rader in formler.items():
+        if len(rader) >= 50 and max(rader) < siste:
+            feil.append(f"{fil}: kolonne {k} har formler bare til rad {max(rader)}, data til rad {siste}")
+    # Chart series over the data sheet: ranges reach the last written row, no cached values.
+    for del_ in pakke.namelist():
+        if not re.fullmatch(r"xl/charts/chart\d+\.xml", del_):
+            continue
+        d = ET.fromstring(pakke.read(del_))
+        for ser in d.iter(f"{C}ser"):
+            for ref in list(ser.iter(f"{C}numRef")) + list(ser.iter(f"{C}strRef")):
+                f = ref.find(f"{C}f").text
+                m = re.fullmatch(r"'?(.*?)'?!\$([A-Z]+)\$(\d+)(?::\$([A-Z]+)\$(\d+))?", f)
+                if not m or m.group(1) != navn:
+                    continue
+                if ref.find(f"{C}numCache") is not None or ref.find(f"{C}strCache") is not None:
+                    feil.append(f"{fil}: {del_} har bufrede verdier for {f}")
+                if m.group(5) and int(m.group(5)) > int(m.group(3)) and int(m.group(5)) < siste:
+                    feil.append(f"{fil}: {del_} tegner {f}, data til rad {siste}")
+    print(f"Struktur: {fil}: {skrevet} skrevne celler til rad {siste}, {len(feil)} avvik")
+    return feil
+
+
 def jing(skjema, filer):
     p = subprocess.run(['jing', '-c', skjema] + filer, capture_output=True, text=True)
     linjer = [l for l in (p.stdout + p.stderr).splitlines() if l and not l.startswith('[warning]')]
@@ -64,9 +154,10 @@ def xmllint(skjema, filer):
 
 
 def main():
-    if len(sys.argv) < 3:
+    argumenter = [a for a in sys.argv[1:] if a != '--struktur']
+    if len(argumenter) < 2:
         sys.exit(__doc__)
-    skjemamappe, boker = sys.argv[1], sys.argv[2:]
+    skjemamappe, boker = argumenter[0], argumenter[1:]
     if not os.path.isdir(skjemamappe):
         print(f'skjema: mappen {skjemamappe} finnes ikke; ingen kontroll')
         return 77
@@ -77,6 +168,8 @@ def main():
     with tempfile.TemporaryDirectory() as tmp:
         for n, bok in enumerate(boker):
             with zipfile.ZipFile(bok) as z:
+                if '--struktur' in sys.argv and mal_for(bok):
+                    feil += struktur(z, bok)
                 for del_ in z.namelist():
                     if UTEN_SKJEMA.fullmatch(del_):
                         continue
