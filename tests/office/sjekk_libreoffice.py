@@ -1,8 +1,8 @@
-"""Opens every workbook in LibreOffice (through its UNO bridge), recalculates everything and
-checks that each formula cell's cached value, as openpyxl reads it, is what LibreOffice computes;
-then prints the sheets to PDF. Run with Debian's /usr/bin/python3.
-    sjekk_libreoffice.py PDFMAPPE FIL...
-"""
+# Opens every workbook in LibreOffice (through its UNO bridge), recalculates everything and
+# checks that each formula cell's cached value, as openpyxl reads it, is what LibreOffice computes;
+# then prints the sheets to PDF. Run with Debian's /usr/bin/python3.
+# sjekk_libreoffice.py PDFMAPPE FIL...
+
 import math
 import os
 import subprocess

@@ -72,8 +72,8 @@ def forste_ark(pakke):
     return ark.get("name"), "xl/" + mål.lstrip("/").removeprefix("xl/")
 
 
+# The template an output file of lag_arbeidsboker.sh was made from, in its set's maler/.
 def mal_for(fil):
-    """The template an output file of lag_arbeidsboker.sh was made from, in its set's maler/."""
     mappe, navn = os.path.split(fil)
     for start, mal in (("Enkel", "Mal_Sykluser.xlsx"), ("Ads", "Mal_Alle_Adsorpsjon.xlsm"),
                        ("Des", "Mal_Alle_Desorpsjon.xlsm"), ("Int_Samlefil", "Mal_desorpsjon_areal_alle.xlsx"),
@@ -83,15 +83,15 @@ def mal_for(fil):
     return None
 
 
+# The cells of a sheet that hold a value, with their XML.
 def innhold(rot):
-    """The cells of a sheet that hold a value, with their XML."""
     return {c.get("r"): ET.tostring(c) for c in rot.iter(f"{S}c")}
 
 
+# What an exported workbook must keep of its template, from the package's XML: every written row lies
+# inside the chart ranges over the data sheet and carries the formulas of the template's formula columns;
+# written cells have their column's format; no chart keeps cached values of the data sheet.
 def struktur(pakke, fil):
-    """What an exported workbook must keep of its template, from the package's XML: every written row
-    lies inside the chart ranges over the data sheet and carries the formulas of the template's formula
-    columns; written cells have their column's format; no chart keeps cached values of the data sheet."""
     feil = []
     navn, sti = forste_ark(pakke)
     rot = ET.fromstring(pakke.read(sti))
