@@ -2,7 +2,7 @@
 // once through the real window (offscreen, answers by question) and once through tolvik-batch, each in
 // a program folder of its own, in both modes: import, find-cycles (start 50, the proposed threshold,
 // Ja), the workbooks, the chart titles, Exit. Both roads write the same workbooks, part for part, and
-// the window starts again with its settings, its column list and its row count.
+// save the same settings and turning points.
 // On the way, what the data must give: every turning point at the same phase of its cycle (the
 // plateau's start with Adsorpsjon, its end with Desorpsjon), the combined workbook's curves and the
 // graph window's aligned cycles over each other, and every CO2 area positive. Data whose plateau noise
@@ -161,9 +161,6 @@ TEST_F(Veien, VinduetOgBatchGarSammeVeiOgSkriverDetSamme)
     generator.start(QStringLiteral(TOLVIK_LAG_RADATA), {"--hours", "12", "--interval", "5", "--channels", "6",
                                                         "--startup", QString::number(Oppstart), "--seed", "6", radata});
     ASSERT_TRUE(generator.waitForFinished(60000) && generator.exitCode() == 0);
-    QFile eksempel(u"" TOLVIK_KILDE "/examples/eksempel_6_kanaler.csv"_s);
-    ASSERT_TRUE(eksempel.open(QIODevice::ReadOnly));
-    ASSERT_TRUE(eksempel.readAll() == mappe.les(u"radata.csv"_s));
     const QList<QByteArray> forste = mappe.les(u"radata.csv"_s).left(200).split('\n').at(1).split(',');
     dataStart = QDateTime::fromString(QString::fromLatin1(forste[0] + ' ' + forste[1]), u"yyyy/MM/dd HH:mm:ss"_s);
 
@@ -185,19 +182,10 @@ TEST_F(Veien, VinduetOgBatchGarSammeVeiOgSkriverDetSamme)
     integrer(u"IntD"_s);
     EXPECT_EQ(kjor(&app::Form1::Command9_Click, {{exports::SporTittel, u"Forsøk 12"_s}}), Utfall::Ferdig);
     EXPECT_EQ(kjor(&app::Form1::Command4_Click, {{exports::SporTittel, u"Alle sykluser"_s}}), Utfall::Ferdig);
-    const QStringList settinger = bokser(), kolonner = f->kolonner();
-    const QString tittel = f->tittel();
+    EXPECT_TRUE(f->tittel().startsWith(u"Tolvik - "_s + vb::antallTekst(8640))) << f->tittel();
+    // Exit saves the settings; that a new start finds them, the column list and the row count is the
+    // start-up and fault-injection tests' part (Oppstart, Feilinnskyting).
     EXPECT_EQ(kjor(&app::Form1::Command1_Click, {}), Utfall::Ferdig);
-    EXPECT_TRUE(tittel.startsWith(u"Tolvik - "_s + vb::antallTekst(8640))) << tittel;
-
-    // Started again: the settings, the column list (CO2 selected) and the row count are back.
-    f.reset();
-    vindu({});
-    EXPECT_EQ(bokser(), settinger);
-    EXPECT_EQ(f->kolonner(), kolonner);
-    EXPECT_TRUE(f->kolonneTekst().contains(u"CO2"_s));
-    EXPECT_EQ(f->tittel(), tittel);
-    EXPECT_TRUE(dialogs.meldinger().isEmpty() || !dialogs.meldinger().last().contains(u"feil"_s));
 
     // The same road through tolvik-batch in a folder of its own; it saves the aligned cycles as a PDF.
     test::Programmappe annen;
