@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace files;
 
 TEST(HentKode, SisteKlammeparOgKolonnebokstav)
@@ -16,7 +18,7 @@ TEST(HentKode, SisteKlammeparOgKolonnebokstav)
     for (const auto& [linje, kode] : std::initializer_list<std::pair<const char*, const char*>>{
              {"abc", ""}, {"x[]", ""}, {"N2 [E] [F]", "F"}, {"a]b[", ""}, {"[C] x]", "C] x"}})
         EXPECT_EQ(HentKode(QString::fromLatin1(linje)), QString::fromLatin1(kode)) << linje;
-    EXPECT_EQ(kolonneLinje(QStringLiteral("N2"), QStringLiteral("D")), QStringLiteral("N2                    [D]"));
+    EXPECT_EQ(kolonneLinje(u"N2"_s, u"D"_s), u"N2                    [D]"_s);
     EXPECT_EQ(QStringList(
                   {kolonneBokstav(3), kolonneBokstav(26), kolonneBokstav(27), kolonneBokstav(29), kolonneBokstav(30)}),
               QStringList({"C", "Z", "Æ", "Å", ""}));
@@ -58,9 +60,9 @@ TEST(Tekstfiler, LinjeslutterTellingOgBuffergrenser)
         lang.neste(linje);
         ADD_FAILURE() << "ingen feil for en linje over 1 MB";
     } catch (const FilFeil& e) {
-        EXPECT_TRUE(QString::fromUtf8(e.what()).startsWith(QStringLiteral("Linje 2 i fila"))) << e.what();
+        EXPECT_TRUE(QString::fromUtf8(e.what()).startsWith(u"Linje 2 i fila"_s)) << e.what();
     }
-    EXPECT_THROW(Linjeleser(QStringLiteral("/dev/zero")), FilFeil);
+    EXPECT_THROW(Linjeleser(u"/dev/zero"_s), FilFeil);
     EXPECT_THROW(Linjeleser(m.mappe()), FilFeil);
 }
 
@@ -68,25 +70,25 @@ TEST(Tekstfiler, SkrivLatin1MedCrLfGjennomTmpFil)
 {
     test::Programmappe m;
     const QString fil = m.sti("Oppsett.txt");
-    SkrivTilFil(fil, QStringLiteral("Ø!å"));
+    SkrivTilFil(fil, u"Ø!å"_s);
     EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("\xD8!\xE5\r\n"));
     {
         // Until it is put in place, the old file stays; a file never put in place leaves nothing.
         NyTekstfil ny(fil, kolonneLinjer({"Dato", "Tid", "CO2", "", "O2"}));
-        EXPECT_EQ(HentFraFil(fil), QStringLiteral("Ø!å"));
+        EXPECT_EQ(HentFraFil(fil), u"Ø!å"_s);
         ny.erstatt();
-        NyTekstfil forlatt(m.sti("annen.txt"), {QStringLiteral("x")});
+        NyTekstfil forlatt(m.sti("annen.txt"), {u"x"_s});
     }
     EXPECT_EQ(m.les("Oppsett.txt"), QByteArray("CO2                    [C]\r\nO2                    [E]\r\n"));
-    EXPECT_EQ(QDir(m.mappe()).entryList(QDir::Files).filter(QStringLiteral(".tmp")), QStringList());
+    EXPECT_EQ(QDir(m.mappe()).entryList(QDir::Files).filter(u".tmp"_s), QStringList());
     EXPECT_TRUE(kolonneLinjer({"Dato", "Tid"}).isEmpty());
     EXPECT_EQ(HentFraFil(m.sti("mangler.txt")), QString());
-    EXPECT_THROW(SkrivTilFil(m.sti("ingen-mappe/x.txt"), QStringLiteral("x")), FilFeil);
+    EXPECT_THROW(SkrivTilFil(m.sti("ingen-mappe/x.txt"), u"x"_s), FilFeil);
     // A write-protected file is neither replaced nor removed behind the user's back; the files with it
     // are removed only when none of them is protected.
     QFile::setPermissions(fil, QFile::ReadOwner);
-    EXPECT_THROW(SkrivTilFil(fil, QStringLiteral("ny")), FilFeil);
-    EXPECT_EQ(HentFraFil(fil), QStringLiteral("CO2                    [C]"));
+    EXPECT_THROW(SkrivTilFil(fil, u"ny"_s), FilFeil);
+    EXPECT_EQ(HentFraFil(fil), u"CO2                    [C]"_s);
     m.skriv("SokStart.txt", "x");
     EXPECT_THROW(SlettFiler({m.sti("SokStart.txt"), fil}), FilFeil);
     EXPECT_TRUE(QFile::exists(m.sti("SokStart.txt")) && QFile::exists(fil));
@@ -97,16 +99,14 @@ TEST(Tekstfiler, ForlatteTmpFilerFjernes)
     // A temporary file of a process that no longer runs goes; one of a running process (this one or
     // its parent) stays.
     test::Programmappe m;
-    const QString egen = QStringLiteral("Oppsett.txt.tmp%1").arg(QCoreApplication::applicationPid());
-    const QString forelder = QStringLiteral("Kolonner.txt.tmp%1").arg(::getppid());
+    const QString egen = u"Oppsett.txt.tmp%1"_s.arg(QCoreApplication::applicationPid());
+    const QString forelder = u"Kolonner.txt.tmp%1"_s.arg(::getppid());
     // Also the zip library's own temporary file of a workbook being saved.
-    for (const QString& navn :
-         {QStringLiteral("a.xlsx.tmp999999999_3"), QStringLiteral("a.xlsx.tmp999999999_4.Xy9aB1"),
-          QStringLiteral("Oppsett.txt.tmp999999998"), egen, forelder, QStringLiteral("tmp123.txt")})
+    for (const QString& navn : {u"a.xlsx.tmp999999999_3"_s, u"a.xlsx.tmp999999999_4.Xy9aB1"_s,
+                                u"Oppsett.txt.tmp999999998"_s, egen, forelder, u"tmp123.txt"_s})
         m.skriv(navn, "x");
     RyddForlatteTmp(m.mappe());
-    EXPECT_EQ(QDir(m.mappe()).entryList({QStringLiteral("*tmp*")}, QDir::Files),
-              QStringList({forelder, egen, "tmp123.txt"}));
+    EXPECT_EQ(QDir(m.mappe()).entryList({u"*tmp*"_s}, QDir::Files), QStringList({forelder, egen, "tmp123.txt"}));
 }
 
 TEST(Tekstfiler, FilOgMappeFinnes)
@@ -114,7 +114,7 @@ TEST(Tekstfiler, FilOgMappeFinnes)
     test::Programmappe m;
     m.skriv("a.txt", "x");
     m.skriv(".skjult", "x");
-    QDir(m.mappe()).mkdir(QStringLiteral("mappe"));
+    QDir(m.mappe()).mkdir(u"mappe"_s);
     EXPECT_TRUE(FilFinnes(m.sti("a.txt")) && MappeFinnes(m.sti("mappe")));
     EXPECT_FALSE(FilFinnes(m.sti(".skjult")) || FilFinnes(m.sti("mappe")) || MappeFinnes(m.sti("a.txt")));
 }

@@ -23,14 +23,14 @@ TEST(Maler, SyklusmalenRegnerMinutter)
     QTemporaryDir dir;
     auto bok = apne(mal("Mal_Sykluser.xlsx"));
     Arbeidsark& data = bok->ark(1);
-    data.settCelle(1, 1, QStringLiteral("Time&Date"));
+    data.settCelle(1, 1, u"Time&Date"_s);
     data.settCelle(1, 15, 230.5);
     const int sek[] = {0, 30, 45, 3600};
     for (int i = 0; i < 4; ++i) {
         data.settCelle(2 + i, 1, tid(sek[i]));
         for (int k = 3; k <= 11; ++k) data.settCelle(2 + i, k, 1e-10 * k + i * 1e-12);
     }
-    const QString ut = dir.filePath(QStringLiteral("Forsok_1.xlsx"));
+    const QString ut = dir.filePath(u"Forsok_1.xlsx"_s);
     bok->lagreSom(ut);
     // Minutes from the zero point; a row without time gives #N/A, left out of the charts. B3 is read
     // through the shared formula the column became.
@@ -57,10 +57,10 @@ TEST(Maler, FyllerMalenNedTilSkrevneRader)
         ark.settCelle(r, 3, 1e-9 + (r == 1000 ? 1e-9 : 0.0));
     }
     EXPECT_EQ(ark.fyllNed(), Siste);
-    ark.settFormel(QStringLiteral("L17"), QStringLiteral("= sum(G3:G3602)"));
+    ark.settFormel(u"L17"_s, u"= sum(G3:G3602)"_s);
     EXPECT_NEAR(std::get<double>(ark.celle(17, 12)), 1e-9 / 60, 1e-17);  // the one-second bump at row 1000
     EXPECT_NEAR(std::get<double>(ark.celle(Siste, 2)), (Siste - 3) / 60.0, 1e-9);
-    const QString ut = dir.filePath(QStringLiteral("ut.xlsx"));
+    const QString ut = dir.filePath(u"ut.xlsx"_s);
     bok->lagreSom(ut);
     const auto deler = test::lesZip(ut);
     const std::string& xml = deler.at("xl/worksheets/sheet1.xml").innhold;
