@@ -37,15 +37,11 @@ struct Installert {
     }
 };
 
-TEST(Programmappe, PortabelMappeBrukesSomDenEr)
+// That a portable folder is used as it is, and that an installed program starts on the user's folder
+// without any message, are the package test's (pakke/installert.sh).
+TEST(Programmappe, UtenMalBrukesProgrammetsMappe)
 {
-    test::Programmappe m;
     Installert i;
-    const app::Mappevalg valg = app::velgProgrammappe(m.mappe(), i.delt, i.bruker);
-    EXPECT_EQ(valg.mappe, m.mappe());
-    EXPECT_TRUE(valg.feil.isEmpty());
-    EXPECT_FALSE(QDir(i.bruker).exists());
-
     // No Template.mdb anywhere: the executable's folder, as before; start-up then says what is missing.
     EXPECT_EQ(app::velgProgrammappe(i.bin, i.bin, i.bruker).mappe, i.bin);
     EXPECT_FALSE(QDir(i.bruker).exists());
@@ -60,11 +56,6 @@ TEST(Programmappe, InstallertFaarEnBrukermappe)
     EXPECT_EQ(QDir(i.bruker).entryList(QDir::Files),
               QStringList({"Data.mdb", "Mal_Alle_Adsorpsjon.xlsm", "Mal_Sykluser.xlsx", "Template.mdb"}));
     EXPECT_TRUE(QFileInfo(i.bruker + u"/Mal_Sykluser.xlsx"_s).isWritable());
-
-    // The program starts on it without any message, with an empty database of its own.
-    const auto k = test::batch({"--folder", i.bruker, "status"});
-    EXPECT_EQ(k.status, 0);
-    EXPECT_TRUE(k.ut.startsWith(u"Tolvik -    poster i databasen"_s)) << k.ut.toStdString();
 
     // Later starts keep what the user has: an edited template (in any case of its name) and the
     // measurements. A removed template comes back; a removed Data.mdb is left to the start-up,

@@ -35,21 +35,13 @@ TEST(Tekstfiler, LinjeslutterTellingOgBuffergrenser)
     }
     EXPECT_THROW(TellLinjer(m.sti("mangler.txt")), FilFeil);
 
-    // Lines of varying length with every kind of line end, so that ends fall across buffer boundaries.
-    QByteArray data;
-    QStringList ventet, lest;
-    for (int i = 0; i < 200000; ++i) {
-        ventet << QString::number(i) + QString(i % 37, QLatin1Char('x'));
-        data += ventet.last().toLatin1() + (i % 3 == 0 ? "\r\n" : i % 3 == 1 ? "\r" : "\n");
-    }
-    m.skriv("stor.txt", data);
-    Linjeleser leser(m.sti("stor.txt"));
-    for (std::string_view linje; leser.neste(linje);) lest << latin1(linje);
-    EXPECT_EQ(lest.size(), ventet.size());
-    EXPECT_TRUE(lest == ventet);
-    // A CR as the last byte of the first read (1 MB + 1 bytes), its LF the first byte of the next.
-    m.skriv("grense.txt", QByteArray("x\r\n").repeated(349526));
-    EXPECT_EQ(TellLinjer(m.sti("grense.txt")), 349526);
+    // Reads of 1 MB + 1 bytes: the first ends with a CR whose LF begins the next, the second in the
+    // middle of a line.
+    m.skriv(u"grense.txt"_s, QByteArray("x\r\n").repeated(700000));
+    Linjeleser leser(m.sti(u"grense.txt"_s));
+    long n = 0;
+    for (std::string_view linje; leser.neste(linje); ++n) ASSERT_EQ(linje, "x") << n;
+    EXPECT_EQ(n, 700000);
 
     // A line over 1 MB is named; what is no regular file is refused.
     m.skriv("lang.txt", "kort\n" + QByteArray((1 << 20) + 1, 'x'));
