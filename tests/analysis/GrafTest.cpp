@@ -4,9 +4,6 @@
 #include "platform/db/Masseinnsetting.h"
 
 #include <QChart>
-#include <QChartView>
-#include <QLabel>
-#include <QLineSeries>
 #include <QPushButton>
 #include <QScatterSeries>
 
@@ -128,7 +125,7 @@ TEST_F(Graf, MerkerFraSisteSok)
 // logarithmic value axis: on the log axis the zero and the negative value lie at its floor, the decade
 // below the smallest value above zero, marked and counted in the legend; the linear axis gets them
 // back. A view of some minutes fits the value axis to the rows in it. All in the known-good file.
-TEST_F(Graf, VinduetLogaritmiskAkseZoomOgAvlesning)
+TEST_F(Graf, VinduetLogaritmiskAkseOgAvlesning)
 {
     fyll({{0, 0}, {60, 2e-12}, {120, -1e-13}, {13830, 5e-9}, {18000, 3e-10}});
     vindu();
@@ -137,9 +134,8 @@ TEST_F(Graf, VinduetLogaritmiskAkseZoomOgAvlesning)
     f->settGrafVisning([&](app::FrmGraph& g) {
         apnet = true;
         g.show();
-        auto* serie = qobject_cast<QLineSeries*>(g.diagram()->series().value(0));
-        auto* null = qobject_cast<QScatterSeries*>(g.diagram()->series().value(1));
-        ASSERT_TRUE(serie && null);
+        auto* null = qobject_cast<QScatterSeries*>(g.diagram()->series().value(1));  // the values at the floor
+        ASSERT_TRUE(null);
         const auto punkter = [&](const QList<QPointF>& liste) {
             QString t;
             for (const QPointF& p : liste) t += u" (%1, %2)"_s.arg(p.x()).arg(p.y(), 0, 'g', 4);
@@ -153,23 +149,10 @@ TEST_F(Graf, VinduetLogaritmiskAkseZoomOgAvlesning)
         g.visUtsnitt(100, std::nullopt);
         logg += test::vist(g);
 
-        // The wheel zooms the time axis around the mouse; the readout follows the mouse: the nearest
-        // drawn row's minutes, time text and value.
+        // The readout follows the mouse: the nearest drawn row's minutes, time text and value. (The wheel's
+        // zoom is Qt Charts' arithmetic on the axis; no operator of the program's own decides it.)
         g.tilbakestill();
-        QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
-        const auto iVisning = [&](QPointF verdi) {
-            return visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition(verdi, serie)));
-        };
-        const QPointF midt = iVisning({150, 1e-9});
-        QWheelEvent hjul(midt, visning->mapToGlobal(midt), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
-                         Qt::NoScrollPhase, false);
-        QApplication::sendEvent(visning->viewport(), &hjul);
-        EXPECT_NEAR(g.tidsomrade().x(), 30, 1);
-        EXPECT_NEAR(g.tidsomrade().y(), 270, 1);
-        const QPointF over = iVisning({229, 1e-9});
-        QMouseEvent flytt(QEvent::MouseMove, over, visning->mapToGlobal(over), Qt::NoButton, Qt::NoButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(visning->viewport(), &flytt);
+        test::pek(g, {229, 1e-9});
         EXPECT_EQ(g.avlesningTekst(), u"230,50 min etter start    2012-11-23 17:50:30    5E-09"_s);
     });
     f->Command8_Click();

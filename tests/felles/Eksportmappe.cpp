@@ -4,9 +4,11 @@
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
+#include <QChartView>
 #include <QFile>
 #include <QJsonDocument>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QRegularExpression>
 #include <map>
@@ -94,6 +96,14 @@ QString vist(const app::FrmGraph& g)
         .arg(v.x(), 0, 'g', 4)
         .arg(v.y(), 0, 'g', 4)
         .arg(forklaring.simplified(), g.avlesningTekst());
+}
+
+void pek(app::FrmGraph& g, QPointF verdi)
+{
+    QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
+    const QPointF p = visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition(verdi)));
+    QMouseEvent flytt(QEvent::MouseMove, p, visning->mapToGlobal(p), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(visning->viewport(), &flytt);
 }
 
 Eksportmappe::Eksportmappe()

@@ -47,6 +47,8 @@ QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
 // What the graph window shows: the minutes and values in view (4 digits), the legend as plain text,
 // and the readout.
 QString vist(const app::FrmGraph& g);
+// Moves the mouse over the graph window's chart to the point of these minutes and value.
+void pek(app::FrmGraph& g, QPointF verdi);
 
 class Eksportmappe : public MedVindu {
 protected:
