@@ -20,29 +20,21 @@ TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
 {
     fyll(treSykluser(10));
     vindu();
-    const std::tuple<bool, QString, bool> tilfeller[] = {
+    const std::tuple<bool, QString, dialogs::Svar> tilfeller[] = {
         // Adsorpsjon, the cycles wanted, Yes
         // Minimum 1,2 and the first value 10 give the step 0,88; the first pass already finds the three
         // groups, which comes nearest to 30 of all passes (the highest ones take every row as one group).
         // One turning point per group, the last group included.
-        {true, u"30"_s, true},
+        {true, u"30"_s, dialogs::Svar::Ja},
         // No leaves SnuPunkter.txt and the settings; the word stays "mindre" with Desorpsjon too.
-        {false, u"1"_s, false},
+        {false, u"1"_s, dialogs::Svar::Nei},
         // Desorpsjon takes the largest value of each group.
-        {false, u"3"_s, true},
+        {false, u"3"_s, dialogs::Svar::Ja},
     };
     // Each search's boxes, its turning points, then the settings; beside the turning points the
     // search start and the chosen pass's threshold, for the graph.
     QString logg;
-    for (const auto& [ads, sykluser, ja] : tilfeller) {
-        const size_t fra = dialogs.dialoger().size();
-        f->velgAdsorpsjon(ads);
-        svar(u"1"_s, sykluser, ja ? dialogs::Svar::Ja : dialogs::Svar::Nei);
-        EXPECT_EQ(f->Command11_Click(), Utfall::Ferdig) << sykluser;
-        logg += u"\n== "_s + sykluser + '\n' + test::forlop(dialogs, fra) + mappe.les(u"SnuPunkter.txt"_s) +
-                mappe.les(u"SokStart.txt"_s);
-        logg += bokser().join('|') + '\n';
-    }
+    for (const auto& [ads, sykluser, ja] : tilfeller) logg += sok(&app::Form1::Command11_Click, ads, sykluser, ja);
     test::sjekkGull(u"analysis/gull/AutomatiskSok.txt"_s, logg);
 }
 

@@ -40,10 +40,6 @@ QString endringer(const Bok& mal, const Bok& bok);
 QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
-// Every box shown from the fra-th on, one a line: "! text" for a message, with its icon ((i), (?)) and
-// [Ja/Nei] before the text and a title other than the program's after " — "; "? prompt | title |
-// proposal" for an input box. Line breaks within a text as \n, today's date as <i dag>.
-QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
 // What the graph window shows: the minutes and values in view (4 digits), the legend as plain text,
 // and the readout.
 QString vist(const app::FrmGraph& g);
