@@ -1,11 +1,6 @@
-// Scripted dialogs: answers found by the question they answer, whatever order the command asks in;
-// and the real boxes: a box asked in the middle of a busy command shows the normal pointer.
-#include "platform/dialogs/QtDialogs.h"
+// Scripted dialogs: answers found by the question they answer, whatever order the command asks in.
 #include "platform/dialogs/SkriptDialogs.h"
 
-#include <QApplication>
-#include <QTimer>
-#include <QWidget>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -63,25 +58,4 @@ TEST(SkriptDialogs, SvarGarTilSporsmaletDeGjelder)
     EXPECT_THROW(d.inndata(start.tekst, start.tittel, QString()), UbesvartSporsmal);
     EXPECT_THROW(d.velgFil(u"CSV-filer (*.CSV)|*.CSV"_s), UbesvartSporsmal);
     EXPECT_EQ(d.meldinger().size(), 4);
-}
-
-TEST(QtDialogs, BoksSomMaBesvaresHarVanligPeker)
-{
-    QWidget eier;
-    QtDialogs dialogs(&eier);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    std::vector<Qt::CursorShape> underBoksen;
-    const auto lukkNesteBoks = [&] {
-        QTimer::singleShot(0, [&] {
-            underBoksen.push_back(QApplication::overrideCursor()->shape());
-            QApplication::activeModalWidget()->close();
-        });
-    };
-    lukkNesteBoks();
-    dialogs.sporJaNei(u"Vil du starte importen?"_s);
-    lukkNesteBoks();
-    dialogs.inndata(u"Minste verdi"_s, ProgramTittel, u"1"_s);
-    EXPECT_EQ(underBoksen, (std::vector{Qt::ArrowCursor, Qt::ArrowCursor}));
-    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-    QApplication::restoreOverrideCursor();
 }
