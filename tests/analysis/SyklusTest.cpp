@@ -55,7 +55,7 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
 
     // The command built the column's time index, and every statement of the search reads that index
     // alone, in its order, without a sort. (That a search goes on when the index cannot be written is
-    // the fault-injection test's part.)
+    // the full-disk test's part, tests/app/disk.sh.)
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
     for (const QString& s :
          {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),

@@ -184,7 +184,7 @@ TEST_F(Veien, VinduetOgBatchGarSammeVeiOgSkriverDetSamme)
     EXPECT_EQ(kjor(&app::Form1::Command4_Click, {{exports::SporTittel, u"Alle sykluser"_s}}), Utfall::Ferdig);
     EXPECT_TRUE(f->tittel().startsWith(u"Tolvik - "_s + vb::antallTekst(8640))) << f->tittel();
     // Exit saves the settings; that a new start finds them, the column list and the row count is the
-    // start-up and fault-injection tests' part (Oppstart, Feilinnskyting).
+    // start-up and package tests' part (Oppstart, pakke/installert.sh).
     EXPECT_EQ(kjor(&app::Form1::Command1_Click, {}), Utfall::Ferdig);
 
     // The same road through tolvik-batch in a folder of its own; it saves the aligned cycles as a PDF.
