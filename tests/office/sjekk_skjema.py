@@ -56,14 +56,6 @@ R = "{http://schemas.openxmlformats.org/officeDocument/2006/relationships}"
 C = "{http://schemas.openxmlformats.org/drawingml/2006/chart}"
 
 
-def adresse(a):
-    m = re.fullmatch(r"\$?([A-Z]+)\$?(\d+)", a)
-    k = 0
-    for b in m.group(1):
-        k = k * 26 + ord(b) - 64
-    return int(m.group(2)), k
-
-
 def forste_ark(pakke):
     bok = ET.fromstring(pakke.read("xl/workbook.xml"))
     ark = bok.find(f"{S}sheets")[0]
@@ -92,19 +84,17 @@ def innhold(rot):
 # inside the chart ranges over the data sheet and carries the formulas of the template's formula columns;
 # written cells have their column's format; no chart keeps cached values of the data sheet.
 def struktur(pakke, fil):
+    from openpyxl.utils.cell import coordinate_to_tuple  # only check-office asks for this check
     feil = []
     navn, sti = forste_ark(pakke)
     rot = ET.fromstring(pakke.read(sti))
     mal = mal_for(fil)
     malceller = innhold(ET.fromstring(zipfile.ZipFile(mal).read(forste_ark(zipfile.ZipFile(mal))[1]))) if mal else {}
-    stiler = []
-    for col in rot.iter(f"{S}col"):
-        if col.get("style"):
-            stiler.append((int(col.get("min")), int(col.get("max")), col.get("style")))
+    stiler = [(int(c.get("min")), int(c.get("max")), c.get("style")) for c in rot.iter(f"{S}col") if c.get("style")]
     formler, skrevet, siste = {}, 0, 0
     for rad in rot.iter(f"{S}row"):
         for c in rad.iter(f"{S}c"):
-            r, k = adresse(c.get("r"))
+            r, k = coordinate_to_tuple(c.get("r"))
             if c.find(f"{S}f") is not None:
                 formler.setdefault(k, set()).add(r)
                 continue
@@ -121,9 +111,7 @@ def struktur(pakke, fil):
         if len(rader) >= 50 and max(rader) < siste:
             feil.append(f"{fil}: kolonne {k} har formler bare til rad {max(rader)}, data til rad {siste}")
     # Chart series over the data sheet: ranges reach the last written row, no cached values.
-    for del_ in pakke.namelist():
-        if not re.fullmatch(r"xl/charts/chart\d+\.xml", del_):
-            continue
+    for del_ in (d for d in pakke.namelist() if re.fullmatch(r"xl/charts/chart\d+\.xml", d)):
         d = ET.fromstring(pakke.read(del_))
         for ser in d.iter(f"{C}ser"):
             for ref in list(ser.iter(f"{C}numRef")) + list(ser.iter(f"{C}strRef")):

@@ -32,6 +32,8 @@ protected:
         mappe.skriv(navn, innhold);
         return mappe.sti(navn);
     }
+    // What the imports left, for a known-good transcript: the boxes shown from the fra-th on,
+    // Kolonner.txt, and the rows stored (hvor narrows them).
     QString utfall(size_t fra, const QString& hvor = {})
     {
         const QString t = test::forlop(dialogs, fra) + QString::fromLatin1(mappe.les(Kolonnefil)).remove('\r') +
