@@ -1,9 +1,12 @@
-// "7.  Finn sykluser" on the real window: the groups below or above the threshold, the turning
-// points written, the settings proposed, and the refusals. The boxes and messages are compared
-// with known-good transcripts in gull/.
+// "7.  Finn sykluser" and the automatic search on the real window: the groups below or above the
+// threshold, the turning points written, the settings proposed, and the refusals; and both through
+// tolvik-batch. The boxes and messages are compared with known-good transcripts in gull/.
+#include "analysis/AutomatiskSoking.h"
 #include "analysis/Sykluser.h"
 #include "felles/Eksportmappe.h"
 #include "store/Setninger.h"
+
+#include <QImage>
 
 namespace {
 
@@ -38,31 +41,21 @@ TEST_F(Syklusfinning, GrupperGirSnuPunkterOgJaSetterValgene)
         // from the first group's last row to the second group's first (14:01 to 14:03).
         {true, u"0.12"_s, Svar::Ja},
     };
-    // One search: its boxes shown, then SnuPunkter.txt and SokStart.txt.
-    auto sok = [&](bool ads, const QString& terskel, dialogs::Svar svaret) {
-        const size_t fra = dialogs.dialoger().size();
-        f->velgAdsorpsjon(ads);
-        svar(u"1"_s, terskel, svaret);
-        EXPECT_EQ(f->Command7_Click(), Utfall::Ferdig) << terskel;
-        return test::forlop(dialogs, fra) + mappe.les(SnuPunkter) + mappe.les(SokStart);
-    };
-    // The same answers whether or not the store may read ID order from the time index; the
-    // settings after each search below its turning points.
+    // Each search's boxes, SnuPunkter.txt, SokStart.txt and the settings; the same whether or not the
+    // store may read ID order from the time index.
     db::Database& k = f->kontekst().tilkobling;
     QString logg[2];
     for (const bool tidFolgerId : {false, true}) {
         k.settRadorden(tidFolgerId, false);
-        for (const auto& [ads, terskel, svaret] : tilfeller) {
-            logg[tidFolgerId] += u"\n== "_s + terskel + '\n' + sok(ads, terskel, svaret);
-            logg[tidFolgerId] += bokser().join('|') + '\n';
-        }
+        for (const auto& [ads, terskel, svaret] : tilfeller)
+            logg[tidFolgerId] += sok(&app::Form1::Command7_Click, ads, terskel, svaret);
     }
     test::sjekkGull(u"analysis/gull/Syklusfinning.Grupper.txt"_s, logg[0]);
     EXPECT_EQ(logg[1], logg[0]);
 
     // The command built the column's time index, and every statement of the search reads that index
     // alone, in its order, without a sort. (That a search goes on when the index cannot be written is
-    // the fault-injection test's part.)
+    // the full-disk test's part, tests/app/disk.sh.)
     const vb::Dato a = vb::Dato::fra(2012, 11, 23, 14, 1, 10), b = vb::Dato::fra(2012, 11, 23, 14, 1, 40);
     for (const QString& s :
          {store::setning::snuPunkt(a, b, true, u"C"_s), store::setning::snuPunkt(a, b, false, u"C"_s),
@@ -106,24 +99,84 @@ TEST_F(Syklusfinning, TomeDataAvbruddOgUgyldigeSvar)
     // Without a row after the search start the prompt shows no number and proposes nothing.
     avvist(0, {u"100000"_s, dialogs::SkriptDialogs::Forslag{}}, "no row after the search start");
 
-    // A write-protected file of an earlier search is neither removed nor replaced: the search
-    // ends with its error message before the threshold is asked for, and both files stay.
-    for (const QString& navn : {SnuPunkter, SokStart}) {
-        mappe.skriv(SnuPunkter, "01.01.2012\r\n");
-        mappe.skriv(SokStart, "01.01.2012!1\r\n");
-        QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner);
-        avvist(0, {u"1"_s}, "write-protected");
-        EXPECT_EQ(mappe.les(SnuPunkter) + mappe.les(SokStart), "01.01.2012\r\n01.01.2012!1\r\n");
-        EXPECT_EQ(dialogs.grunner().last(),
-                  u"Kan ikke slette fila "_s + mappe.sti(navn) + u": fila er skrivebeskyttet"_s);
-        QFile::setPermissions(mappe.sti(navn), QFile::ReadOwner | QFile::WriteOwner);
-    }
+    // That a write-protected file of an earlier search is neither removed nor replaced is SlettFiler's
+    // check (Tekstfiler.SkrivLatin1MedCrLfGjennomTmpFil).
 
     QFile::remove(mappe.sti(u"Kolonner.txt"_s));
     const size_t fra = dialogs.dialoger().size();
     EXPECT_EQ(vindu({}).Command7_Click(), Utfall::Avvist);
     test::sjekkGull(u"analysis/gull/Syklusfinning.Avvist.txt"_s,
                     logg + u"\n== nothing imported\n"_s + test::forlop(dialogs, fra));
+}
+
+// First value 10, then a row every 10 seconds from 14:01:10: three low phases of six rows
+// (1,5 with one 1,2) between high phases of 9,5; each low phase is one group.
+std::vector<test::Rad> treSykluser(double forste)
+{
+    std::vector<test::Rad> r = {{0, forste}};
+    for (int k = 0; k < 42; ++k) r.push_back({70 + 10 * k, k % 12 >= 6 && k < 36 ? (k % 12 == 8 ? 1.2 : 1.5) : 9.5});
+    return r;
+}
+
+using AutomatiskSok = test::MedVindu;
+
+TEST_F(AutomatiskSok, NaermestOnsketAntallBrukesOgJaSetterValgene)
+{
+    fyll(treSykluser(10));
+    vindu();
+    const std::tuple<bool, QString, dialogs::Svar> tilfeller[] = {
+        // Adsorpsjon, the cycles wanted, Yes
+        // Minimum 1,2 and the first value 10 give the step 0,88; the first pass already finds the three
+        // groups, which comes nearest to 30 of all passes (the highest ones take every row as one group).
+        // One turning point per group, the last group included.
+        {true, u"30"_s, dialogs::Svar::Ja},
+        // No leaves SnuPunkter.txt and the settings; the word stays "mindre" with Desorpsjon too.
+        {false, u"1"_s, dialogs::Svar::Nei},
+        // Desorpsjon takes the largest value of each group.
+        {false, u"3"_s, dialogs::Svar::Ja},
+    };
+    // Each search's boxes, its turning points, then the settings; beside the turning points the
+    // search start and the chosen pass's threshold, for the graph.
+    QString logg;
+    for (const auto& [ads, sykluser, ja] : tilfeller) logg += sok(&app::Form1::Command11_Click, ads, sykluser, ja);
+    test::sjekkGull(u"analysis/gull/AutomatiskSok.txt"_s, logg);
+}
+
+TEST_F(AutomatiskSok, EnderStilleUtenMelding)
+{
+    fyll(treSykluser(1.2));  // the first value equals the minimum: no step, no pass finds a row
+    vindu();
+    // Cancel at the number of cycles, no row after the search start, a letter the table does not have.
+    for (auto [kolonne, start, sykluser] :
+         {std::tuple{0, u"1"_s, u"30"_s}, {0, u"1"_s, QString()}, {0, u"100000"_s, u"30"_s}, {2, u"1"_s, u"30"_s}}) {
+        f->velgKolonne(kolonne);
+        svar(start, sykluser);
+        EXPECT_EQ(f->Command11_Click(), Utfall::Avvist) << start << sykluser << kolonne;
+    }
+    EXPECT_TRUE(dialogs.meldinger().isEmpty());
+    EXPECT_FALSE(QFile::exists(mappe.sti(u"SnuPunkter.txt"_s)));
+}
+
+// tolvik-batch passes its arguments as the answers and prints the messages (after the values above 1,
+// the graph's count of points); the graph's options go wrong with status 2. In the known-good transcript.
+TEST_F(AutomatiskSok, BatchFinnerSykluserSokerOgTegner)
+{
+    fyll(treSykluser(10));
+    mappe.skriv(u"Kolonner.txt"_s, test::Kolonner);
+    const QString png = mappe.sti(u"graf.png"_s), pdf = mappe.sti(u"graf.pdf"_s);
+    QString logg;
+    for (const QStringList& args : {QStringList{"--adsorption", "find-cycles", "--start", "1", "--threshold", "2"},
+                                    {"auto-search", "--start", "1", "--cycles", "30"},
+                                    {"graph", "--png", png},
+                                    {"graph", "--log", "--from", "2,5", "--to", "5", "--png", png},
+                                    {"find-cycles"},  // --start is required
+                                    {"graph", "--from", "x"},
+                                    {"graph", "--from", "5", "--to", "5"},
+                                    {"graph", "--png", png, "--pdf", pdf},
+                                    {"graph", "--aligned"}})
+        logg += mappe.utskrift(args);
+    test::sjekkGull(u"analysis/gull/AutomatiskSok.Batch.txt"_s, logg);
+    EXPECT_GT(QImage(png).width(), 400);
 }
 
 }  // namespace

@@ -2,9 +2,6 @@
 #include "app/FrmGraph.h"
 #include "felles/Eksportmappe.h"
 
-#include <QChart>
-#include <QChartView>
-#include <QMouseEvent>
 #include <QTabBar>
 #include <QTableWidget>
 
@@ -133,11 +130,7 @@ TEST_F(Syklusvinduer, VisningITabellOgBilde)
         EXPECT_NE(tabell->item(2, 0)->background(), tabell->item(0, 0)->background());  // cycle 3 marked
 
         // The mouse over cycle 2's surge, 7 minutes before its turning point.
-        QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
-        const QPointF over = visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition({-7, 5e-9})));
-        QMouseEvent flytt(QEvent::MouseMove, over, visning->mapToGlobal(over), Qt::NoButton, Qt::NoButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(visning->viewport(), &flytt);
+        test::pek(g, {-7, 5e-9});
         logg += test::vist(g);
         g.settJustert(true);
         logg += test::vist(g) + u"syklus 2 forskjøvet %1\n"_s.arg(g.kurver()[1].forskyvning);

@@ -8,15 +8,17 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // An installed tree: bin/ without any program file, share/tolvik with Template.mdb and two
 // templates (write-protected, as root installs them); the user's folder not made yet.
 struct Installert {
     QTemporaryDir rot;
-    QString bin = rot.path() + QStringLiteral("/bin");
-    QString delt = rot.path() + QStringLiteral("/share/tolvik");
-    QString bruker = rot.path() + QStringLiteral("/hjem/Tolvik");
+    QString bin = rot.path() + u"/bin"_s;
+    QString delt = rot.path() + u"/share/tolvik"_s;
+    QString bruker = rot.path() + u"/hjem/Tolvik"_s;
     Installert()
     {
         QDir().mkpath(bin);
@@ -35,15 +37,11 @@ struct Installert {
     }
 };
 
-TEST(Programmappe, PortabelMappeBrukesSomDenEr)
+// That a portable folder is used as it is, and that an installed program starts on the user's folder
+// without any message, are the package test's (pakke/installert.sh).
+TEST(Programmappe, UtenMalBrukesProgrammetsMappe)
 {
-    test::Programmappe m;
     Installert i;
-    const app::Mappevalg valg = app::velgProgrammappe(m.mappe(), i.delt, i.bruker);
-    EXPECT_EQ(valg.mappe, m.mappe());
-    EXPECT_TRUE(valg.feil.isEmpty());
-    EXPECT_FALSE(QDir(i.bruker).exists());
-
     // No Template.mdb anywhere: the executable's folder, as before; start-up then says what is missing.
     EXPECT_EQ(app::velgProgrammappe(i.bin, i.bin, i.bruker).mappe, i.bin);
     EXPECT_FALSE(QDir(i.bruker).exists());
@@ -57,39 +55,23 @@ TEST(Programmappe, InstallertFaarEnBrukermappe)
     EXPECT_TRUE(valg.feil.isEmpty()) << valg.feil.join('\n').toStdString();
     EXPECT_EQ(QDir(i.bruker).entryList(QDir::Files),
               QStringList({"Data.mdb", "Mal_Alle_Adsorpsjon.xlsm", "Mal_Sykluser.xlsx", "Template.mdb"}));
-    EXPECT_TRUE(QFileInfo(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx")).isWritable());
-
-    // The program starts on it without any message, with an empty database of its own.
-    const auto k = test::batch({"--folder", i.bruker, "status"});
-    EXPECT_EQ(k.status, 0);
-    EXPECT_TRUE(k.ut.startsWith(QStringLiteral("Tolvik -    poster i databasen"))) << k.ut.toStdString();
+    EXPECT_TRUE(QFileInfo(i.bruker + u"/Mal_Sykluser.xlsx"_s).isWritable());
 
     // Later starts keep what the user has: an edited template (in any case of its name) and the
     // measurements. A removed template comes back; a removed Data.mdb is left to the start-up,
     // which makes it and says so.
-    QFile::remove(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx"));
-    QFile f(i.bruker + QStringLiteral("/mal_sykluser.xlsx"));
+    QFile::remove(i.bruker + u"/Mal_Sykluser.xlsx"_s);
+    QFile f(i.bruker + u"/mal_sykluser.xlsx"_s);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write("egen mal");
     f.close();
-    QFile::remove(i.bruker + QStringLiteral("/Mal_Alle_Adsorpsjon.xlsm"));
-    QFile::remove(i.bruker + QStringLiteral("/Data.mdb"));
+    QFile::remove(i.bruker + u"/Mal_Alle_Adsorpsjon.xlsm"_s);
+    QFile::remove(i.bruker + u"/Data.mdb"_s);
     EXPECT_TRUE(i.velg().feil.isEmpty());
-    EXPECT_EQ(i.les(QStringLiteral("mal_sykluser.xlsx")), QByteArray("egen mal"));
-    EXPECT_FALSE(QFile::exists(i.bruker + QStringLiteral("/Mal_Sykluser.xlsx")));
-    EXPECT_TRUE(QFile::exists(i.bruker + QStringLiteral("/Mal_Alle_Adsorpsjon.xlsm")));
-    EXPECT_FALSE(QFile::exists(i.bruker + QStringLiteral("/Data.mdb")));
-}
-
-TEST(Programmappe, BrukermappeSomIkkeKanLagesNevnes)
-{
-    Installert i;
-    QFile blokk(i.rot.path() + QStringLiteral("/hjem"));
-    ASSERT_TRUE(blokk.open(QIODevice::WriteOnly));  // a file where the folder should be
-    blokk.close();
-    const app::Mappevalg valg = i.velg();
-    EXPECT_EQ(valg.mappe, i.bruker);
-    EXPECT_EQ(valg.feil, QStringList{QStringLiteral("Mappen %1 kan ikke lages").arg(i.bruker)});
+    EXPECT_EQ(i.les(u"mal_sykluser.xlsx"_s), QByteArray("egen mal"));
+    EXPECT_FALSE(QFile::exists(i.bruker + u"/Mal_Sykluser.xlsx"_s));
+    EXPECT_TRUE(QFile::exists(i.bruker + u"/Mal_Alle_Adsorpsjon.xlsm"_s));
+    EXPECT_FALSE(QFile::exists(i.bruker + u"/Data.mdb"_s));
 }
 
 }  // namespace

@@ -99,27 +99,6 @@ TEST_F(Enkeltgraf, IngenRaderMalEllerSyklusGirIngenFil)
     sjekkGull(u"export/gull/Enkeltgraf.Ingen.txt"_s, forlop(dialogs));
 }
 
-TEST_F(Enkeltgraf, RadtellerenTalerIkkeMerEnn32767)
-{
-    // 32 765 rows in one second fill the sheet's rows 2 to 32 766 and leave the counter at
-    // 32 767; one more row would move it past.
-    {
-        db::Transaksjon tr(form().kontekst().tilkobling);
-        for (int i = 0; i < 32765; ++i) rad(Minutt, {i});
-        tr.fullfor();
-    }
-    snupunkter({Minutt, Minutt});
-    for (Boks b : {Boks::Text1, Boks::Text2, Boks::Text4, Boks::Text6}) sett(b, u"1"_s);
-    EXPECT_EQ(eksporter(u"Full"_s), Utfall::Ferdig);
-    EXPECT_EQ(label4(), vb::antallTekst(32767) + u" (Run 1)"_s);
-
-    rad(Minutt, {-1});
-    sykluser("2", "2");
-    EXPECT_EQ(eksporter(u"Full"_s), Utfall::Avvist);
-    EXPECT_EQ(dialogs.meldinger().last(), exports::FeilMelding);
-    EXPECT_EQ(utfiler(), QStringList({"Full_1.xlsx"}));
-}
-
 class Eksporter : public Eksportmappe {};
 
 using Klikk = Utfall (app::Form1::*)();

@@ -4,9 +4,11 @@
 #include "files/Oppsett.h"
 #include "files/Tekstfil.h"
 
+#include <QChartView>
 #include <QFile>
 #include <QJsonDocument>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QRegularExpression>
 #include <map>
@@ -96,15 +98,12 @@ QString vist(const app::FrmGraph& g)
         .arg(forklaring.simplified(), g.avlesningTekst());
 }
 
-void sjekkGull(const QString& navn, const QString& tekst)
+void pek(app::FrmGraph& g, QPointF verdi)
 {
-    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
-    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
-        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
-        return;
-    }
-    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
-    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
+    QChartView* visning = g.findChild<QChartView*>(u"MSChart"_s);
+    const QPointF p = visning->mapFromScene(g.diagram()->mapToScene(g.diagram()->mapToPosition(verdi)));
+    QMouseEvent flytt(QEvent::MouseMove, p, visning->mapToGlobal(p), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(visning->viewport(), &flytt);
 }
 
 Eksportmappe::Eksportmappe()

@@ -40,15 +40,11 @@ QString endringer(const Bok& mal, const Bok& bok);
 QList<Bok> lesArbeidsboker(const QStringList& filer, bool bufret = false);
 Bok lesArbeidsbok(const QString& fil, bool bufret = false);
 
-// Every box shown from the fra-th on, one a line: "! text" for a message, with its icon ((i), (?)) and
-// [Ja/Nei] before the text and a title other than the program's after " — "; "? prompt | title |
-// proposal" for an input box. Line breaks within a text as \n, today's date as <i dag>.
-QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
 // What the graph window shows: the minutes and values in view (4 digits), the legend as plain text,
 // and the readout.
 QString vist(const app::FrmGraph& g);
-// tekst against the known-good file navn under tests/ (with TOLVIK_NY_GULL set: writes the file).
-void sjekkGull(const QString& navn, const QString& tekst);
+// Moves the mouse over the graph window's chart to the point of these minutes and value.
+void pek(app::FrmGraph& g, QPointF verdi);
 
 class Eksportmappe : public MedVindu {
 protected:

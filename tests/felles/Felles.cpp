@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -43,6 +44,41 @@ Kjoring Programmappe::batch(const QStringList& argumenter, bool ok) const
         ADD_FAILURE() << argumenter.join(' ').toStdString() << ": status " << k.status << "\n"
                       << k.ut.toStdString() << k.feil.toStdString();
     return k;
+}
+
+void sjekkGull(const QString& navn, const QString& tekst)
+{
+    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/") + navn);
+    if (qEnvironmentVariableIsSet("TOLVIK_NY_GULL")) {
+        EXPECT_TRUE(fil.open(QIODevice::WriteOnly) && fil.write(tekst.toUtf8()) >= 0) << navn;
+        return;
+    }
+    EXPECT_TRUE(fil.open(QIODevice::ReadOnly)) << navn;
+    EXPECT_EQ(tekst.toStdString(), fil.readAll().toStdString()) << navn;  // a failure shows the lines that differ
+}
+
+QStringList rader(db::Database& d, const QString& hvor)
+{
+    QStringList ut;
+    for (auto r = d.spor(QStringLiteral("Select * from DataLinjer ") + hvor); !r.eof(); r.moveNext()) {
+        QStringList v;
+        for (const char* k : {"C", "D", "E", "F", "G", "H", "I", "J", "K", "L"})
+            v << (r.erNull(k) ? QStringLiteral("-") : QString::number(r.tall(k), 'g', QLocale::FloatingPointShortest));
+        const QString tekst = r.erNull("DatoTid_Tekst") ? QStringLiteral("-") : r.tekst("DatoTid_Tekst");
+        ut << r.tekst("DatoTid") + '|' + tekst + '|' + v.join(' ');
+    }
+    return ut;
+}
+
+QString Programmappe::utskrift(const QStringList& argumenter) const
+{
+    return test::utskrift(argumenter, batch(argumenter)).replace(mappe_, QStringLiteral("<mappe>"));
+}
+
+QString utskrift(const QStringList& argumenter, const Kjoring& k)
+{
+    return QStringLiteral("$ %1\nstatus %2\n").arg(argumenter.join(' ')).arg(k.status) + k.ut +
+           (k.status == 0 ? QString() : QStringLiteral("stderr: ") + k.feil);
 }
 
 Kjoring batch(const QStringList& argumenter)

@@ -14,10 +14,12 @@
 
 using namespace Qt::StringLiterals;
 
-// Texts in failure messages as text.
-inline std::ostream& operator<<(std::ostream& os, const QString& s) { return os << '"' << s.toStdString() << '"'; }
-
 namespace test {
+
+// Every box shown from the fra-th on, one a line: "! text" for a message, with its icon ((i), (?)) and
+// [Ja/Nei] before the text and a title other than the program's after " — "; "? prompt | title |
+// proposal" for an input box. Line breaks within a text as \n, today's date as <i dag>.
+QString forlop(const dialogs::SkriptDialogs& skript, size_t fra = 0);
 
 // Seconds after 23.11.2012 14:00:00 and a value for column C.
 using Rad = std::pair<int, double>;
@@ -59,6 +61,17 @@ protected:
     QStringList bokser() const
     {
         return {f->tekst(dialogs::Boks::Text6), f->tekst(dialogs::Boks::Text3), f->tekst(dialogs::Boks::Text5)};
+    }
+    // One search command in one mode, answered with the start minute 1, svaret and ja: "== svaret", the
+    // boxes it showed, SnuPunkter.txt and SokStart.txt, and the settings after it.
+    QString sok(Utfall (app::Form1::*kommando)(), bool adsorpsjon, const QString& svaret, dialogs::Svar ja)
+    {
+        const size_t fra = dialogs.dialoger().size();
+        f->velgAdsorpsjon(adsorpsjon);
+        svar(u"1"_s, svaret, ja);
+        EXPECT_EQ(((*f).*kommando)(), Utfall::Ferdig) << svaret;
+        return u"\n== "_s + svaret + '\n' + forlop(dialogs, fra) + mappe.les(u"SnuPunkter.txt"_s) +
+               mappe.les(u"SokStart.txt"_s) + bokser().join('|') + '\n';
     }
     void TearDown() override
     {

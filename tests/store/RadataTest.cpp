@@ -1,6 +1,9 @@
 // The raw-data line format on single lines: fields, row or the reason a line is left out.
 #include "store/Radata.h"
+#include "felles/Felles.h"
+#include "felles/Fuzzfunn.h"
 
+#include <QFile>
 #include <QLocale>
 #include <QStringList>
 #include <gtest/gtest.h>
@@ -28,40 +31,27 @@ QString tolket(store::Radatalinje& linje, std::string_view raa)
            QString::fromUtf8(tekst.data(), static_cast<qsizetype>(tekst.size())) + u" / "_s + verdier.join(' ');
 }
 
+// The lines of linjer.csv (its comments say why each is there), as gull/Radata.txt shows them.
 TEST(Radata, LinjerSomTolkes)
 {
-    const struct {
-        const char* linje;
-        QString ventet;
-    } tilfeller[] = {
-        // Quotes go, "/" becomes "." everywhere; the field after the last comma gives no value.
-        {R"("2012/11/23","14:05:32","1.5","2","3/4",)",
-         u"2012.11.23|14:05:32|1.5|2|3.4| => 2012-11-23 14:05:32 / 2012/11/23 ,14:05:32,1. / 1.5 2 3.4"_s},
-        {"2012/11/23,14:05:31,1.5,2",
-         u"2012.11.23|14:05:31|1.5|2 => 2012-11-23 14:05:31 / 2012/11/23 ,14:05:31,1. / 1.5"_s},
-        // Val of each field; 13 fields fill C to L. Characters 11 to 22 of the text are taken as they are.
-        {"2012/11/23,14:05:33,abc,1.5E-03, 1 2 .5,,7,8,9,10,11,-4.2e-10xyz,",
-         u"2012.11.23|14:05:33|abc|1.5E-03| 1 2 .5||7|8|9|10|11|-4.2e-10xyz| => "
-         "2012-11-23 14:05:33 / 2012/11/23 ,14:05:33,ab / 0 0.0015 12.5 0 7 8 9 10 11 -4.2e-10"_s},
-        // Latin-1 in DatoTid_Tekst becomes UTF-8; the date-time reads only characters 1 to 19.
-        {"2012/11/23,14:05:31\xB5s,7,",
-         u"2012.11.23|14:05:31µs|7| => 2012-11-23 14:05:31 / 2012/11/23 ,14:05:31µs, / 7"_s},
-        {"2012/11/23,14:05:31,", u"2012.11.23|14:05:31| => ingen datalinje"_s},
-        {"2012/11/23,14:05:31,1,2,3,4,5,6,7,8,9,10,11,",
-         u"2012.11.23|14:05:31|1|2|3|4|5|6|7|8|9|10|11| => ingen datalinje"_s},
-        {"", u" => ingen datalinje"_s},
-        // Each reason a data line is left out, with the characters it names.
-        {"2012/11/23,14:05'31\xE5,1,", u"2012.11.23|14:05'31å|1| => apostrof i dato og tid «2012.11.23,14:05'31å,1»"_s},
-        {"2013/02/29,14:05:31,1,2,",
-         u"2013.02.29|14:05:31|1|2| => ugyldig dato eller klokkeslett «2013.02.29,14:05:31»"_s},
-        {"2012/11/23,14.05.31,1,2,",
-         u"2012.11.23|14.05.31|1|2| => ugyldig dato eller klokkeslett «2012.11.23,14.05.31»"_s},
-        {"12/11/23,14:05:31,1,2,", u"12.11.23|14:05:31|1|2| => ugyldig dato eller klokkeslett «12.11.23,14:05:31,1»"_s},
-        {"xx,yy,1,2,", u"xx|yy|1|2| => ugyldig dato eller klokkeslett «xx,yy,1,2,»"_s},
-        {"2012/11/23,14:05:31,1,1E999,", u"2012.11.23|14:05:31|1|1E999| => tallet «1E999» er for stort"_s},
-    };
+    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/store/linjer.csv"));
+    ASSERT_TRUE(fil.open(QIODevice::ReadOnly));
+    QList<QByteArray> linjer = fil.readAll().split('\n');
+    linjer.removeLast();       // after the last line end
     store::Radatalinje linje;  // one for all lines, as the import keeps it
-    for (const auto& t : tilfeller) EXPECT_EQ(tolket(linje, t.linje), t.ventet) << t.linje;
+    QString ut;
+    for (const QByteArray& raa : linjer)
+        ut += (raa.startsWith('#') ? QString::fromUtf8(raa) : tolket(linje, raa.toStdString())) + '\n';
+    test::sjekkGull(u"store/gull/Radata.txt"_s, ut);
+}
+
+// Raw-data lines that fuzzing was seeded with or found faults with are read without a crash.
+TEST(Radata, FuzzfunnLesesUtenKrasj)
+{
+    for (auto& [fil, data] : test::fuzzfunn("store/fuzz-funn/radata")) {
+        SCOPED_TRACE(fil.toStdString());
+        ovelse::radata(data);
+    }
 }
 
 }  // namespace
