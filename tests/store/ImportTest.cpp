@@ -5,12 +5,59 @@
 #include <QFileInfo>
 #include <QTimer>
 #include <optional>
+#include <sqlite3.h>
 
 namespace {
 
 using dialogs::Svar;
 
 QString testfil(const char* navn) { return QStringLiteral(TOLVIK_TESTDATA "/store/") + QLatin1String(navn); }
+
+// A file layer over the system's in which call number `ved` of the reads, writes, flushes and
+// truncations fails (a write as a full disk): the system's own file methods, four of them wrapped.
+namespace innskyting {
+sqlite3_vfs* system = nullptr;
+const sqlite3_io_methods* ekte = nullptr;
+sqlite3_io_methods metoder;
+long teller = 0, ved = 0;  // ved 0: nothing fails
+
+bool treff() { return ++teller == ved; }
+int les(sqlite3_file* f, void* ut, int n, sqlite3_int64 fra)
+{
+    return treff() ? SQLITE_IOERR_READ : ekte->xRead(f, ut, n, fra);
+}
+int skriv(sqlite3_file* f, const void* data, int n, sqlite3_int64 fra)
+{
+    return treff() ? SQLITE_FULL : ekte->xWrite(f, data, n, fra);
+}
+int kutt(sqlite3_file* f, sqlite3_int64 n) { return treff() ? SQLITE_IOERR_TRUNCATE : ekte->xTruncate(f, n); }
+int synk(sqlite3_file* f, int flagg) { return treff() ? SQLITE_IOERR_FSYNC : ekte->xSync(f, flagg); }
+int apne(sqlite3_vfs*, const char* navn, sqlite3_file* f, int flagg, int* ut)
+{
+    const int rc = system->xOpen(system, navn, f, flagg, ut);
+    if (f->pMethods && !ekte) {
+        ekte = f->pMethods;
+        metoder = *ekte;
+        metoder.xRead = les, metoder.xWrite = skriv, metoder.xTruncate = kutt, metoder.xSync = synk;
+    }
+    if (f->pMethods == ekte) f->pMethods = &metoder;
+    return rc;
+}
+// Made the default layer, once, so that every connection of the program goes through it.
+void installer()
+{
+    static sqlite3_vfs vfs = [] {
+        system = sqlite3_vfs_find(nullptr);
+        sqlite3_vfs v = *system;
+        v.zName = "feilinnskyting";
+        v.pNext = nullptr;
+        v.xOpen = apne;
+        return v;
+    }();
+    static const int rc = sqlite3_vfs_register(&vfs, 1);
+    ASSERT_EQ(rc, SQLITE_OK);
+}
+}  // namespace innskyting
 
 const QByteArray GamleKolonner = "Gammel                    [C]\r\n";
 const QString Data = u"Data.mdb"_s, Kolonnefil = u"Kolonner.txt"_s;
@@ -220,6 +267,55 @@ TEST_F(Import, DatabaseSomIkkeKanErstattesGirMelding)
     EXPECT_TRUE(dialogs.meldinger().last().startsWith(u"Kan ikke erstatte fila "_s + mappe.sti(Data)));
     EXPECT_EQ(mappe.les(Kolonnefil), GamleKolonner);
     EXPECT_TRUE(QFileInfo(mappe.sti(u"Data.mdb/opptatt"_s)).isDir());
+}
+
+// One failed file operation anywhere in an import, as SQLite tests its own file layers: the k-th
+// read, write, flush or truncation fails, for 40 k spread over the run. After each, at the next
+// start, Data.mdb passes the integrity check and holds the old file's rows and column list, or
+// the new file's (the message says which), and nothing is left behind.
+TEST_F(Import, EnFeiletFiloperasjonGirGammelEllerNyFil)
+{
+    innskyting::installer();
+    ASSERT_EQ(importer(testfil("eksempel.csv")), Utfall::Ferdig);
+    auto kopier = [&](const QString& fra, const QString& til) {
+        f.reset();
+        for (const QString& navn : {Data, Kolonnefil}) {
+            QFile::remove(mappe.sti(navn + til));
+            QFile::copy(mappe.sti(navn + fra), mappe.sti(navn + til));
+        }
+    };
+    auto tilstand = [&](const QString& hva) {  // the caption and column list of the next start
+        f.reset();
+        vindu({});
+        const QString t = f->tittel() + '|' + f->kolonner().join(',');
+        f.reset();
+        EXPECT_EQ(db::Database(mappe.sti(Data)).spor(u"PRAGMA integrity_check"_s).tekst(0), u"ok"_s) << hva;
+        const QStringList rester = {u"*.import*"_s, u"*.bytt"_s, u"*.tmp*"_s, u"*-journal"_s};
+        EXPECT_EQ(QDir(mappe.mappe()).entryList(rester), QStringList{}) << hva;
+        return t;
+    };
+    auto kjor = [&](long k) {  // felt.csv imported over the old pair with call k failing; the calls counted
+        kopier(u".kopi"_s, {});
+        vindu({});
+        innskyting::teller = 0;
+        innskyting::ved = k;
+        importer(testfil("felt.csv"));
+        innskyting::ved = 0;
+        return innskyting::teller;
+    };
+    kopier({}, u".kopi"_s);
+    const QString gammel = tilstand(u"før"_s);
+    const long n = kjor(0);
+    const QString ny = tilstand(u"uten feil"_s);
+    ASSERT_NE(gammel, ny);
+    for (long i = 0; i < 40; ++i) {
+        const long k = 1 + i * n / 40;
+        kjor(k);
+        const QString melding = dialogs.meldinger().last();
+        EXPECT_EQ(tilstand(u"kall %1 av %2"_s.arg(k).arg(n)),
+                  melding.contains(u"Ingenting er importert"_s) ? gammel : ny)
+            << k << melding;
+    }
 }
 
 // What only tolvik-batch shows: the missing file argument, and a damaged database said at the start.
