@@ -135,8 +135,8 @@ private:
 
     std::mutex mutex_;
     std::condition_variable endret_;
-    std::deque<Bok> ko_;              // to save, the first one being saved
-    std::vector<Bok> ferdige_;        // saved or given up, freed by vent()
+    std::deque<Bok> ko_;        // to save, the first one being saved
+    std::vector<Bok> ferdige_;  // saved or given up, freed by vent()
     std::exception_ptr feil_;
     bool slutt_ = false;
     std::thread traad_;

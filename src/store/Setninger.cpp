@@ -91,8 +91,8 @@ QString setning::minimum(const QString& K, const vb::Dato& sokStart, const std::
 QString setning::treff(const QString& K, const QString& terskel, const vb::Dato& sokStart,
                        const std::optional<vb::Dato>& til)
 {
-    return QStringLiteral("Select DatoTid, ") + bokstav(K) + QStringLiteral(" as Verdi from Datalinjer where ") + K +
-           QStringLiteral(" < ") + terskel + QStringLiteral(" and ") + tidsvilkar(">", sokStart) +
+    return QStringLiteral("Select DatoTid from Datalinjer where ") + bokstav(K) + QStringLiteral(" < ") + terskel +
+           QStringLiteral(" and ") + tidsvilkar(">", sokStart) +
            (til ? QStringLiteral(" and ") + tidsvilkar("<=", *til) : QString()) + QStringLiteral(" order by ID");
 }
 

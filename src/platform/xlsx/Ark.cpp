@@ -74,8 +74,8 @@ void Ark::last()
         lagrede_ = kjent->lagrede;
     } else {
         tolk(bok_.lesDel(sti_));
-        husket.push_back(
-            {std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, ekstra_, antallFormler_, lagrede_});
+        husket.push_back({std::move(lagret), ns_, foran_, bak_, kolonnestiler_, rader_, formler_, ekstra_,
+                          antallFormler_, lagrede_});
         if (husket.size() > Husket) husket.pop_front();
     }
     lastet_ = true;
@@ -447,15 +447,14 @@ void Ark::fyllFormlerNed(int sisteRad)
         if (&tre(o, kol) != &tre(f, kol)) continue;
         endring(nr + 1);
         formlerEndret_ = true;
-        // Copied: the formulas and cells added below may move them.
-        const Lagret& mal = f;
+        // The cells added below may move the model cell; its formula stays where it is.
         const long stil = forbilde->stil;
         for (int r = nr + 1; r <= sisteRad; ++r) {
             Celle& c = hent(r, kol);
             if (c.formel >= 0 || c.art != Celle::Tom) continue;
             c.stil = stil;
             FormelDel ny;
-            ny.lagret = egen(formel::flytt(mal.tekst, r - nr, 0), r, mal.tre);
+            ny.lagret = egen(formel::flytt(f.tekst, r - nr, 0), r, f.tre);
             c.formel = nyFormel(std::move(ny));
         }
     }
@@ -506,7 +505,8 @@ void Ark::beregnMedKilder(Celle& c)
             f.gen = gen_;
             f.underveis = true;
             stakk.back().kilderLagt = true;
-            formel::referanser(tre(*f.lagret, steg.celle->kol), f.lagret->rad, steg.celle->kol, [&](int r1, int k1, int r2, int k2) {
+            const int kol = steg.celle->kol;
+            formel::referanser(tre(*f.lagret, kol), f.lagret->rad, kol, [&](int r1, int k1, int r2, int k2) {
                 forHverCelle(r1, k1, r2, k2, [&](Celle& kilde) {
                     if (kilde.formel >= 0 && formelAv(kilde).gen != gen_) stakk.push_back({&kilde, false});
                 });
@@ -583,7 +583,9 @@ void Ark::skrivCelle(std::string& ut, int rad, Celle& c)
     std::string_view verdi;
     char tall[32];
     std::string tekst;
-    auto medTall = [&](auto x) { verdi = {tall, static_cast<size_t>(std::to_chars(tall, tall + sizeof tall, x).ptr - tall)}; };
+    auto medTall = [&](auto x) {
+        verdi = {tall, static_cast<size_t>(std::to_chars(tall, tall + sizeof tall, x).ptr - tall)};
+    };
     auto medTekst = [&](std::string_view t) {
         leggTilTekst(tekst, t);
         verdi = tekst;

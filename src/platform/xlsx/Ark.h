@@ -184,8 +184,8 @@ private:
     std::vector<FormelDel> formler_;
     std::shared_ptr<Lagrede> lagrede_;  // the formulas read from the XML
     Lagrede egne_;                      // and those set since
-    std::vector<std::string> ekstra_;  // the raw attributes of the cells that have more
-    size_t sist_ = 0;                  // the row used last, where the next look-up starts
+    std::vector<std::string> ekstra_;   // the raw attributes of the cells that have more
+    size_t sist_ = 0;                   // the row used last, where the next look-up starts
     Kilde kilde_{*this};
     // One store for every sheet of the run: the same template is opened once per exported cycle.
     static formel::Tolkelager& tolkelager();
