@@ -30,26 +30,17 @@ struct Installert {
         }
     }
     app::Mappevalg velg() const { return app::velgProgrammappe(bin, delt, bruker); }
-    QByteArray les(const QString& navn) const
-    {
-        QFile f(bruker + QLatin1Char('/') + navn);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
 };
 
 // That a portable folder is used as it is, and that an installed program starts on the user's folder
 // without any message, are the package test's (pakke/installert.sh).
-TEST(Programmappe, UtenMalBrukesProgrammetsMappe)
+TEST(Programmappe, ProgrammetsMappeEllerBrukermappe)
 {
     Installert i;
     // No Template.mdb anywhere: the executable's folder, as before; start-up then says what is missing.
     EXPECT_EQ(app::velgProgrammappe(i.bin, i.bin, i.bruker).mappe, i.bin);
     EXPECT_FALSE(QDir(i.bruker).exists());
-}
-
-TEST(Programmappe, InstallertFaarEnBrukermappe)
-{
-    Installert i;
+    // Installed: the user's own folder, set up from the installed files.
     const app::Mappevalg valg = i.velg();
     EXPECT_EQ(valg.mappe, i.bruker);
     EXPECT_TRUE(valg.feil.isEmpty()) << valg.feil.join('\n').toStdString();
@@ -61,14 +52,11 @@ TEST(Programmappe, InstallertFaarEnBrukermappe)
     // measurements. A removed template comes back; a removed Data.mdb is left to the start-up,
     // which makes it and says so.
     QFile::remove(i.bruker + u"/Mal_Sykluser.xlsx"_s);
-    QFile f(i.bruker + u"/mal_sykluser.xlsx"_s);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("egen mal");
-    f.close();
+    test::skriv(i.bruker + u"/mal_sykluser.xlsx"_s, "egen mal");
     QFile::remove(i.bruker + u"/Mal_Alle_Adsorpsjon.xlsm"_s);
     QFile::remove(i.bruker + u"/Data.mdb"_s);
     EXPECT_TRUE(i.velg().feil.isEmpty());
-    EXPECT_EQ(i.les(u"mal_sykluser.xlsx"_s), QByteArray("egen mal"));
+    EXPECT_EQ(test::les(i.bruker + u"/mal_sykluser.xlsx"_s), QByteArray("egen mal"));
     EXPECT_FALSE(QFile::exists(i.bruker + u"/Mal_Sykluser.xlsx"_s));
     EXPECT_TRUE(QFile::exists(i.bruker + u"/Mal_Alle_Adsorpsjon.xlsm"_s));
     EXPECT_FALSE(QFile::exists(i.bruker + u"/Data.mdb"_s));

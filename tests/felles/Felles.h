@@ -19,6 +19,10 @@ struct Kjoring {
     QString feil;
 };
 
+// A file with exactly these bytes (a failed write fails the test); a file's bytes, none when unreadable.
+void skriv(const QString& sti, const QByteArray& innhold);
+QByteArray les(const QString& sti);
+
 // A temporary program folder holding Template.mdb and a fresh Data.mdb copied from the build.
 class Programmappe {
 public:
@@ -27,7 +31,6 @@ public:
     void kopierMaler() const;
     QString sti(const QString& navn) const { return dir_.path() + QLatin1Char('/') + navn; }
     const QString& mappe() const { return mappe_; }
-    // Writes a file with exactly these bytes.
     void skriv(const QString& navn, const QByteArray& innhold) const;
     QByteArray les(const QString& navn) const;
     // tolvik-batch on this folder; with ok set, any status but 0 fails the test.

@@ -1,9 +1,7 @@
 // The raw-data line format on single lines: fields, row or the reason a line is left out.
 #include "store/Radata.h"
 #include "felles/Felles.h"
-#include "felles/Fuzzfunn.h"
 
-#include <QFile>
 #include <QLocale>
 #include <QStringList>
 #include <gtest/gtest.h>
@@ -34,24 +32,13 @@ QString tolket(store::Radatalinje& linje, std::string_view raa)
 // The lines of linjer.csv (its comments say why each is there), as gull/Radata.txt shows them.
 TEST(Radata, LinjerSomTolkes)
 {
-    QFile fil(QStringLiteral(TOLVIK_TESTDATA "/store/linjer.csv"));
-    ASSERT_TRUE(fil.open(QIODevice::ReadOnly));
-    QList<QByteArray> linjer = fil.readAll().split('\n');
+    QList<QByteArray> linjer = test::les(QStringLiteral(TOLVIK_TESTDATA "/store/linjer.csv")).split('\n');
     linjer.removeLast();       // after the last line end
     store::Radatalinje linje;  // one for all lines, as the import keeps it
     QString ut;
     for (const QByteArray& raa : linjer)
         ut += (raa.startsWith('#') ? QString::fromUtf8(raa) : tolket(linje, raa.toStdString())) + '\n';
     test::sjekkGull(u"store/gull/Radata.txt"_s, ut);
-}
-
-// Raw-data lines that fuzzing was seeded with or found faults with are read without a crash.
-TEST(Radata, FuzzfunnLesesUtenKrasj)
-{
-    for (auto& [fil, data] : test::fuzzfunn("store/fuzz-funn/radata")) {
-        SCOPED_TRACE(fil.toStdString());
-        ovelse::radata(data);
-    }
 }
 
 }  // namespace

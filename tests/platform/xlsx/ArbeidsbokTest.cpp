@@ -109,7 +109,7 @@ TEST_F(HandlagetBok, FeilSomXlsxFeil)
 
 TEST_F(HandlagetBok, LagringsstedOgFiltype)
 {
-    const QByteArray original = test::filinnhold(kilde);
+    const QByteArray original = test::les(kilde);
     auto bok = apne(kilde);
     bok->ark(1).settCelle(1, 1, u"endret"_s);
     // A failed save leaves neither a half-written target nor a changed source.
@@ -119,8 +119,8 @@ TEST_F(HandlagetBok, LagringsstedOgFiltype)
     ASSERT_TRUE(QFile::copy(kilde, vernet) && QFile::setPermissions(vernet, QFile::ReadOwner | QFile::ReadOther));
     EXPECT_THROW(bok->lagreSom(vernet), XlsxFeil);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{u"mal.xlsx"_s, u"vernet.xlsx"_s}));
-    EXPECT_EQ(test::filinnhold(kilde), original);
-    EXPECT_EQ(test::filinnhold(vernet), original);
+    EXPECT_EQ(test::les(kilde), original);
+    EXPECT_EQ(test::les(vernet), original);
 
     // .xlsm makes the package macro-enabled; from then on the workbook lives under that name.
     const QString xlsm = dir.filePath(u"ut.xlsm"_s);
@@ -146,7 +146,7 @@ TEST(Pakke, RelasjonerSomDelnavn)
     test::Deler deler;
     for (QDirIterator it(mappe, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();) {
         const QString del = it.next();
-        deler.emplace_back(del.mid(mappe.size()).toStdString(), test::filinnhold(del).toStdString());
+        deler.emplace_back(del.mid(mappe.size()).toStdString(), test::les(del).toStdString());
     }
     QTemporaryDir dir;
     const QString fil = dir.filePath(QStringLiteral("pakke.xlsx"));

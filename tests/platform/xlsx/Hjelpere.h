@@ -16,12 +16,6 @@
 
 namespace test {
 
-inline QByteArray filinnhold(const QString& sti)
-{
-    QFile f(sti);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 // Whether the XML text holds this piece; a failure shows the whole text.
 inline ::testing::AssertionResult har(const std::string& xml, const std::string& bit)
 {
@@ -83,7 +77,7 @@ inline std::string data(const std::string& navn)
 {
     const QString sti = QStringLiteral(TOLVIK_TESTDATA "/platform/xlsx/") + QString::fromStdString(navn);
     EXPECT_TRUE(QFile::exists(sti)) << navn;
-    return filinnhold(sti).toStdString();
+    return les(sti).toStdString();
 }
 
 // The workbook a spreadsheet application would write, parts in the order it writes them:
